@@ -1,0 +1,178 @@
+#include <algorithm>
+
+#include "denoise3d/edge_sections.h"
+#include "denoise3d/merge.h"
+#include "denoise3d/uv_run_smooth.h"
+#include "include/zavricustpro.h"
+#include "platform/log.h"
+
+namespace zavri {
+namespace {
+
+constexpr int32_t kFirstStrip = 0;
+constexpr int32_t kLastStrip = 3;
+constexpr uint8_t kEdgeGainEnd = 16;  // the edge modes serve lower gains only
+constexpr uint16_t kSmoothLevel = 10;
+
+enum class MergeMode {
+  kNone,
+  kWhole,      // mode A
+  kEdges,      // mode B
+  kEdgesLuma,  // mode C, edge variant
+  kChroma,     // mode C, inner variant
+};
+
+MergeMode choose_mode(const T_3DYuvDenoiseParam& param) {
+  if (!param.thresh_tune) return MergeMode::kNone;
+  const bool edge_gain = param.gain < kEdgeGainEnd;
+  if (param.switch_a && !param.switch_b) return MergeMode::kWhole;
+  if (param.switch_b && edge_gain) return MergeMode::kEdges;
+  if (param.switch_c && edge_gain) return MergeMode::kEdgesLuma;
+  return param.thresh >= 2 ? MergeMode::kChroma : MergeMode::kNone;
+}
+
+// One strip of the reference frame and where the other frames hold the same samples.
+class Strip {
+ public:
+  Strip(const T_3DYuvDenoiseParam& param, int32_t number);
+
+  // False when the task ends without the smoothing pass.
+  bool merge();
+  void smooth_chroma() const;
+
+ private:
+  void merge_rows(MergeKind kind, const MergeLimits& limits) const;
+  void merge_edges(MergeKind kind) const;
+  MergeRow row_at(ptrdiff_t chroma, ptrdiff_t luma) const;
+  void log_geometry(const char* variant) const;
+
+  const T_3DYuvDenoiseParam& param_;
+  const int32_t number_;
+  const uint32_t rows_;  // of chroma
+  ptrdiff_t chroma_;     // byte offsets of the strip's first samples from a frame's luma plane
+  ptrdiff_t luma_;
+  const uint8_t* others_[3];
+};
+
+uint32_t chroma_rows(int32_t number, uint32_t height) {
+  const uint32_t quarter = height / 8;
+  return number == kLastStrip ? height / 2 - 3 * quarter : quarter;
+}
+
+Strip::Strip(const T_3DYuvDenoiseParam& param, int32_t number)
+    : param_(param), number_(number), rows_(chroma_rows(number, param.height)), others_{} {
+  const auto first = static_cast<ptrdiff_t>(number);
+  chroma_ = static_cast<ptrdiff_t>(param.uv_offset) +
+            first * static_cast<ptrdiff_t>(param.height / 8) * param.uv_stride;
+  // A quotient of its own, not twice the chroma row: for height mod 8 >= 4 the two differ.
+  luma_ = first * static_cast<ptrdiff_t>(param.height / 4) * param.y_stride;
+  for (int k = 0, other = 0; k < param.frame_num && other < param.frame_num - 1; ++k) {
+    if (k != param.ref_index) others_[other++] = param.frame_y[k];
+  }
+}
+
+MergeRow Strip::row_at(ptrdiff_t chroma, ptrdiff_t luma) const {
+  uint8_t* const reference = param_.frame_y[param_.ref_index];
+  MergeRow row{};
+  row.uv = reference + chroma_ + chroma;
+  row.y0 = reference + luma_ + luma;
+  row.y1 = row.y0 + param_.y_stride;
+  for (int k = 0; k < param_.frame_num - 1; ++k) {
+    row.other_uv[k] = others_[k] + chroma_ + chroma;
+    row.other_y[k] = others_[k] + luma_ + luma;
+  }
+  return row;
+}
+
+void Strip::merge_rows(MergeKind kind, const MergeLimits& limits) const {
+  const MergeFunction merge_row = merge_kernels().get(kind, param_.frame_num - 1);
+  const size_t bytes = param_.width & ~size_t{1};
+  for (ptrdiff_t r = 0; r < static_cast<ptrdiff_t>(rows_); ++r) {
+    merge_row(row_at(r * param_.uv_stride, 2 * r * param_.y_stride), bytes, limits);
+  }
+}
+
+void Strip::merge_edges(MergeKind kind) const {
+  const MergeFunction merge_row = merge_kernels().get(kind, param_.frame_num - 1);
+  const EdgeSections sections(param_);
+  EdgeRamp left(EdgeSide::kLeft, param_.threshY, param_.width);
+  EdgeRamp right(EdgeSide::kRight, param_.threshY, param_.width);
+
+  const auto merge_section = [&](ptrdiff_t chroma, ptrdiff_t luma, EdgeRamp& ramp) {
+    for (size_t b = 0; b < sections.bytes; b += EdgeRamp::kWindow) {
+      const size_t bytes = std::min(sections.bytes - b, EdgeRamp::kWindow);
+      const auto offset = static_cast<ptrdiff_t>(b);
+      merge_row(row_at(chroma + offset, luma + offset), bytes, {0, 0, ramp.limits(b, bytes)});
+    }
+  };
+  for (ptrdiff_t r = 0; r < static_cast<ptrdiff_t>(rows_); ++r) {
+    const ptrdiff_t chroma = r * sections.chroma_step;
+    const ptrdiff_t luma = r * sections.luma_step;
+    merge_section(chroma, luma, left);
+    merge_section(chroma + sections.right, luma + sections.right, right);
+  }
+}
+
+void Strip::log_geometry(const char* variant) const {
+  const uint32_t jump = (param_.uv_stride - param_.width) & 0xffff;
+  __android_log_print(kLogError, kTagProcessing,
+                      "%s, width:%d, height:%d, UVStride:%d, YStride:%d, jumpUVLen:%d,", variant,
+                      static_cast<int>(param_.width), static_cast<int>(param_.height),
+                      static_cast<int>(param_.uv_stride), static_cast<int>(param_.y_stride),
+                      static_cast<int>(jump));
+}
+
+bool Strip::merge() {
+  const bool four_frames = param_.frame_num == 4;
+  // A threshold t accepts differences up to t - 1.
+  const auto chroma_limit = static_cast<uint8_t>(param_.thresh - 1);
+  const auto luma_limit = static_cast<uint8_t>(param_.threshY - 1);
+
+  switch (const MergeMode mode = choose_mode(param_)) {
+    case MergeMode::kNone:
+      return false;
+    case MergeMode::kWhole:
+      if (param_.thresh == 0) return true;
+      merge_rows(param_.threshY == 0 ? MergeKind::kChroma : MergeKind::kWhole,
+                 {chroma_limit, luma_limit, nullptr});
+      return true;
+    case MergeMode::kChroma:
+      if (four_frames) log_geometry("inner4");
+      merge_rows(MergeKind::kChroma, {chroma_limit, 0, nullptr});
+      return true;
+    case MergeMode::kEdges:
+    case MergeMode::kEdgesLuma:
+      if (param_.threshY < 2) return false;
+      if (number_ != kFirstStrip && number_ != kLastStrip) return false;
+      if (four_frames) log_geometry("edge4");
+      merge_edges(mode == MergeMode::kEdges ? MergeKind::kEdges : MergeKind::kEdgesLuma);
+      return true;
+  }
+  return false;
+}
+
+void Strip::smooth_chroma() const {
+  T_UvRunSmoothParam smooth{};
+  smooth.gain = param_.gain;
+  smooth.level = kSmoothLevel;
+  // The record's fields are 16 bits wide; larger values are cut.
+  smooth.width = static_cast<uint16_t>(param_.width);
+  smooth.rows = static_cast<uint16_t>(rows_);
+  smooth.stride = static_cast<uint16_t>(param_.uv_stride);
+  smooth.plane = param_.frame_y[param_.ref_index] + chroma_;
+  uv_run_smooth(&smooth);
+}
+
+}  // namespace
+}  // namespace zavri
+
+void zavri_mp_3D_YUV_denoise_inner(const void* strip, const void* param, void*) {
+  if (strip == nullptr || param == nullptr) return;
+  const auto& p = *static_cast<const T_3DYuvDenoiseParam*>(param);
+  if (p.thresh <= 1 && p.threshY < 2) return;
+  if (p.frame_num < 1 || p.frame_num > 4) return;
+
+  zavri::Strip work(p, *static_cast<const int32_t*>(strip));
+  if (p.frame_num > 1 && !work.merge()) return;
+  if (p.switch_d) work.smooth_chroma();
+}

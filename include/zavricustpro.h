@@ -1,0 +1,212 @@
+/* libmmcamera_zavricustpro: post-processing of 8-bit YUV 4:2:0 semi-planar camera frames.
+ *
+ * C11 and C++17. A frame is a luma plane (one byte per pixel) and a chroma plane of interleaved
+ * (U, V) byte pairs, one pair per 2x2 block of luma. The caller owns every frame and record; the
+ * library writes only where a function says so. No exception crosses this interface.
+ */
+#ifndef ZAVRICUSTPRO_H_
+#define ZAVRICUSTPRO_H_
+
+#include <stddef.h>
+#include <stdint.h>
+
+#define ZAVRI_EXPORT __attribute__((visibility("default")))
+
+#ifdef __cplusplus
+#include <pthread.h>
+
+#include <atomic>
+#include <deque>
+#include <vector>
+
+extern "C" {
+#endif
+
+/* Multi-frame denoise. */
+
+/* One point of a threshold curve over the sensor gain. */
+typedef struct tagT_GainThreshPoint {
+  uint8_t gain;
+  uint8_t value;
+} T_GainThreshPoint;
+
+/* One multi-frame denoise. All frames have the same geometry:
+ *
+ *   frame_y[k]               -> luma,   `height` rows,   `y_stride` bytes apart
+ *   frame_y[k] + uv_offset   -> chroma, `height`/2 rows, `uv_stride` bytes apart
+ *
+ * The strides are at least `width` (rounded up to even). The reference frame is worked in place,
+ * the others are only read.
+ *
+ * Room. With q = height/8, W4 = width/4 and n = height/2 - 3*q, the call touches
+ *   chroma  up to byte (height/2 - 1)*uv_stride + width, rounded up to even;
+ *   luma    up to the end of row 3*(height/4) + 2*n - 1, which for height mod 8 >= 4 lies two or
+ *           three rows past the plane;
+ *   smoothing (switch_d) reads and writes the row padding as well, that is (height/2)*uv_stride
+ *           bytes of chroma, rounded up to even;
+ *   edges (switch_b, or switch_c, with gain below 16) of 2 or 3 frames: 2*W4*n bytes further in
+ * both planes, because their sections move 2*W4 bytes from row to row; of 4 frames: 2 bytes. In the
+ * other frames only what lies within these bounds is read. Where the luma bound runs into the
+ * chroma plane, the last strip's luma rows overwrite chroma that another strip works on at the same
+ * time: leave the room between the planes when the result must not depend on timing.
+ */
+typedef struct tagT_3DYuvDenoiseParam {
+  uint8_t ref_index;        /* frame that is denoised, 0..3 and below frame_num */
+  uint8_t frame_num;        /* 1..4; other values do nothing */
+  uint8_t switch_a;         /* luma and chroma of the whole frame (only without switch_b) */
+  uint8_t switch_b;         /* luma and chroma at the frame's edges, for a gain below 16 */
+  uint8_t switch_c;         /* luma alone at the frame's edges, for a gain below 16 */
+  uint8_t thresh_tune;      /* derive `thresh` from gain and frame size; 0: nothing is merged */
+  uint8_t switch_d;         /* smooth the chroma afterwards; with one frame, that alone */
+  uint8_t gain;             /* sensor gain, the abscissa of both curves */
+  uint32_t width;           /* pixels */
+  uint32_t height;          /* rows */
+  uint32_t y_stride;        /* bytes */
+  uint32_t uv_stride;       /* bytes */
+  uint32_t reserved0;       /* not read */
+  uint32_t uv_offset;       /* bytes from a frame's luma to its chroma */
+  uint8_t thresh;           /* in: 1..100 requested, else from the curve; out: value used */
+  uint8_t thresh_table_len; /* points in thresh_table */
+  uint16_t reserved1;       /* not read */
+  const T_GainThreshPoint* thresh_table; /* ascending gain; null or no points: the built-in curve */
+  uint8_t threshY; /* the same for luma; tuned when switch_a, _b or _c is set */
+  uint8_t threshY_table_len;
+  uint16_t reserved2; /* not read */
+  const T_GainThreshPoint* threshY_table;
+  uint8_t* frame_y[4]; /* luma planes; entries from frame_num on are not read */
+} T_3DYuvDenoiseParam;
+
+/* Denoises frame_y[ref_index] in place from frame_num captures of one scene, four strips in
+ * parallel on the library's pool, and blocks until they are done. Writes the thresholds that it
+ * used back into the record: a second call with the same record takes them as requested values. Any
+ * thread may call; the heavy operations of a process run one at a time. Returns 0, also when width,
+ * height or a stride is 0 (then nothing is done or logged). `param` must not be null. */
+ZAVRI_EXPORT uint32_t zavri_mp_3D_YUV_denoise(T_3DYuvDenoiseParam* param);
+
+/* One strip of it, shaped as a pool task: `strip` points to the int32_t strip number 0..3, `param`
+ * to a T_3DYuvDenoiseParam with tuned thresholds, `unused` is ignored. Does nothing when either is
+ * null. Strips of one frame may run at the same time. */
+ZAVRI_EXPORT void zavri_mp_3D_YUV_denoise_inner(const void* strip, const void* param, void* unused);
+
+/* Thread pool. */
+
+/* One run of a fan-out's task function: fn(pIn0, pIn1, pOut). Mind the order of the fields. */
+typedef struct tagT_ThreadPoolTaskInput {
+  const void* pIn0;
+  void* pOut;
+  const void* pIn1;
+} T_ThreadPoolTaskInput;
+
+typedef void (*ThreadPoolTaskFunc)(const void*, const void*, void*);
+
+#ifdef __cplusplus
+class ThreadPool;
+#else
+typedef struct ThreadPool ThreadPool;
+#endif
+
+/* The process-wide pool, null before its creation, and 1 once all its threads run. Written only by
+ * the two functions below. */
+extern ZAVRI_EXPORT ThreadPool* g_threadpool;
+extern ZAVRI_EXPORT int32_t g_hal_threadpool_init;
+
+/* Creates the process-wide pool of four threads unless it exists; the heavy operations call it
+ * themselves. Returns 0, or -1 when a thread could not be created; the half-started pool is then
+ * left behind and the next call builds a fresh one. One thread at a time may call these two, and
+ * none while an operation runs. */
+ZAVRI_EXPORT int HALThreadPoolInit(void);
+
+/* Stops the pool, joins its threads and frees it; nothing when there is none. Returns 0. */
+ZAVRI_EXPORT int HALThreadPoolDestroy(void);
+
+/* Thread entry: runs `pool`'s execute_thread, which does not return. */
+ZAVRI_EXPORT void* start_thread(void* pool);
+
+/* Task body of a fan-out: runs the ThreadPoolTaskInfo `info` and counts it as finished. */
+ZAVRI_EXPORT void WorkerThreadBase(void* info);
+
+#ifdef __cplusplus
+} /* extern "C" */
+
+/* The classes contain containers of the C++ standard library: reach into them only from code built
+ * with the same one. */
+
+/* A function and its argument. The pool never frees a task: who queues it owns it. */
+class ZAVRI_EXPORT Task {
+ public:
+  Task(void (*fn)(void*), void* arg);
+  ~Task();
+  void run();
+  void operator()();
+
+  void (*fn)(void*);
+  void* arg;
+};
+
+/* A mutex that also shows whether somebody holds it. */
+struct TaskLock {
+  TaskLock();
+  ~TaskLock();
+  void lock();
+  void unlock();
+
+  pthread_mutex_t mutex;
+  std::atomic<uint8_t> locked;
+};
+
+/* Threads fed from one FIFO of tasks. */
+class ZAVRI_EXPORT ThreadPool {
+ public:
+  ThreadPool(); /* 4 threads */
+  explicit ThreadPool(int pool_size);
+  ThreadPool(const ThreadPool&) = delete;
+  ThreadPool& operator=(const ThreadPool&) = delete;
+  ~ThreadPool(); /* stops and joins the threads if that has not been done */
+
+  int initialize_threadpool(); /* starts the threads: 0, or -1 at the first that fails */
+  int destroy_threadpool();    /* stops and joins; tasks still queued are never run. Returns 0 */
+  int add_task(Task* task);    /* any thread; returns 0 */
+  void execute_thread();       /* body of every pool thread; does not return */
+
+  int32_t pool_size;
+  TaskLock task_lock; /* guards task_queue and pool_state */
+  pthread_cond_t task_cond;
+  std::vector<pthread_t> threads;
+  std::deque<Task*> task_queue;
+  int32_t pool_state; /* 0 running, 1 stopped */
+};
+
+/* Runs one function over `count` inputs on a pool and waits for all of them. One Work per object.
+ */
+class ZAVRI_EXPORT ThreadPoolWorker {
+ public:
+  ThreadPoolWorker(ThreadPool* pool, int count, ThreadPoolTaskFunc fn,
+                   T_ThreadPoolTaskInput* inputs); /* inputs[0, count) must outlive Work */
+  ThreadPoolWorker(const ThreadPoolWorker&) = delete;
+  ThreadPoolWorker& operator=(const ThreadPoolWorker&) = delete;
+  ~ThreadPoolWorker();
+
+  int Work(); /* returns 0 after the last run has finished; runs must write disjoint memory */
+  void OneTaskFinish();
+
+  pthread_mutex_t worker_lock; /* guards remaining */
+  pthread_cond_t worker_cond;
+  int32_t task_count;
+  int32_t remaining;
+  ThreadPoolTaskFunc task_fn;
+  T_ThreadPoolTaskInput* task_inputs;
+  ThreadPool* pool;
+};
+
+/* What a fan-out's task needs to run. */
+struct ZAVRI_EXPORT ThreadPoolTaskInfo {
+  ThreadPoolTaskInfo(ThreadPoolWorker* worker, ThreadPoolTaskFunc task_fn,
+                     T_ThreadPoolTaskInput* task_input);
+
+  ThreadPoolWorker* worker;
+  ThreadPoolTaskFunc task_fn;
+  T_ThreadPoolTaskInput* task_input;
+};
+#endif /* __cplusplus */
+
+#endif /* ZAVRICUSTPRO_H_ */

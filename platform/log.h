@@ -1,0 +1,17 @@
+#pragma once
+
+// The Android log, linked as such: liblog on a phone and where a host has it, otherwise the
+// stand-in of platform/host. Declared here because a cross build may lack the system's header.
+extern "C" int __android_log_print(int priority, const char* tag, const char* format, ...)
+    __attribute__((format(printf, 3, 4)));
+
+namespace zavri {
+
+// Priorities as the Android log counts them.
+inline constexpr int kLogVerbose = 2;
+inline constexpr int kLogError = 6;
+
+inline constexpr const char* kTagProcessing = "ZVC";
+inline constexpr const char* kTagPool = "Defog";
+
+}  // namespace zavri

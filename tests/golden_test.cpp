@@ -1,0 +1,77 @@
+#include "tests/support/golden.h"
+
+#include <gtest/gtest.h>
+
+#include "denoise3d/uv_run_smooth.h"
+#include "include/zavricustpro.h"
+#include "tests/support/use_build.h"
+
+namespace zavri::testing {
+namespace {
+
+void run_denoise3d(const GoldenCase& golden) {
+  std::vector<std::vector<uint8_t>> frames;
+  T_3DYuvDenoiseParam param{};
+  for (uint32_t k = 0; k < 4; ++k) frames.push_back(golden_buffer(golden, k));
+  for (uint32_t k = 0; k < 4; ++k) param.frame_y[k] = frames[k].data() + golden.number("guard");
+  const auto byte = [&](const char* key) { return static_cast<uint8_t>(golden.number(key)); };
+  param.ref_index = byte("ref_index");
+  param.frame_num = byte("frame_num");
+  param.switch_a = byte("switch_a");
+  param.switch_b = byte("switch_b");
+  param.switch_c = byte("switch_c");
+  param.switch_d = byte("switch_d");
+  param.thresh_tune = byte("thresh_tune");
+  param.gain = byte("gain");
+  param.thresh = byte("thresh");
+  param.threshY = byte("threshY");
+  param.width = golden.number("width");
+  param.height = golden.number("height");
+  param.y_stride = golden.number("y_stride");
+  param.uv_stride = golden.number("uv_stride");
+  param.uv_offset = golden.number("uv_offset");
+  for (int32_t strip = 0; strip < 4; ++strip) {
+    zavri_mp_3D_YUV_denoise_inner(&strip, &param, nullptr);
+  }
+  EXPECT_EQ(fnv1a(frames[param.ref_index]), golden.hash());
+}
+
+void run_uv_run_smooth(const GoldenCase& golden) {
+  std::vector<uint8_t> buffer = golden_buffer(golden);
+  T_UvRunSmoothParam param{};
+  param.level = 10;
+  param.width = static_cast<uint16_t>(golden.number("width"));
+  param.rows = static_cast<uint16_t>(golden.number("rows"));
+  param.stride = static_cast<uint16_t>(golden.number("stride"));
+  param.plane = buffer.data() + golden.number("guard");
+  uv_run_smooth(&param);
+  EXPECT_EQ(fnv1a(buffer), golden.hash());
+}
+
+struct GoldenFile {
+  const char* name;
+  size_t cases;
+  void (*run)(const GoldenCase&);
+};
+
+constexpr GoldenFile kFiles[] = {
+    {"denoise3d.txt", 120, run_denoise3d},
+    {"uv_run_smooth.txt", 40, run_uv_run_smooth},
+};
+
+TEST(Golden, EveryCaseInEveryBuild) {
+  for (const GoldenFile& file : kFiles) {
+    const std::vector<GoldenCase> cases = load_golden(file.name);
+    EXPECT_EQ(cases.size(), file.cases) << file.name;
+    for (const Build build : builds_here()) {
+      const UseBuild use(build);
+      for (const GoldenCase& golden : cases) {
+        SCOPED_TRACE(::testing::Message() << build_name(build) << ": " << golden);
+        file.run(golden);
+      }
+    }
+  }
+}
+
+}  // namespace
+}  // namespace zavri::testing

@@ -1,0 +1,33 @@
+#include "tests/support/use_build.h"
+
+#include <optional>
+
+namespace {
+
+std::optional<zavri::Build> g_build;
+
+}  // namespace
+
+// zavri::best_build() as the linker's --wrap option sees it.
+extern "C" {
+zavri::Build __real__ZN5zavri10best_buildEv();
+zavri::Build __wrap__ZN5zavri10best_buildEv() {
+  return g_build ? *g_build : __real__ZN5zavri10best_buildEv();
+}
+}
+
+namespace zavri::testing {
+
+UseBuild::UseBuild(Build build) { g_build = build; }
+
+UseBuild::~UseBuild() { g_build.reset(); }
+
+std::vector<Build> builds_here() {
+  std::vector<Build> builds;
+  for (const Build build : kBuilds) {
+    if (runs_here(build)) builds.push_back(build);
+  }
+  return builds;
+}
+
+}  // namespace zavri::testing
