@@ -26,7 +26,8 @@ struct MergeRow {
 struct MergeLimits {
   uint8_t chroma;       // of U and of V, for a frame to agree
   uint8_t luma;         // between the merged luma and the reference
-  const uint8_t* ramp;  // kinds kEdges and kEdgesLuma: one limit per byte, for both, instead
+  const uint8_t* ramp;  // of kinds kEdges and kEdgesLuma for both, instead: one limit for each
+                        // position, in both of its bytes
 };
 
 enum class MergeKind {

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <cstdint>
+#include <random>
+#include <vector>
+
+// Sample data for differential tests of the kernels.
+namespace zavri::testing {
+
+using Random = std::mt19937;
+
+// Uniform in [low, high].
+int pick(Random& random, int low, int high);
+
+// Data that reaches different paths and overflows different lanes.
+enum class Style { kUniform, kNearEqual, kExtremes, kSpikes };
+inline constexpr Style kStyles[] = {Style::kUniform, Style::kNearEqual, Style::kExtremes,
+                                    Style::kSpikes};
+
+// `size` bytes: any value; a level +-4; 0 and 255 only; or flat with a rare outlier.
+std::vector<uint8_t> samples(Random& random, Style style, size_t size);
+
+}  // namespace zavri::testing
