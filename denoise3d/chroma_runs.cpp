@@ -61,18 +61,18 @@ void smooth_columns(uint8_t* plane, size_t width, size_t rows, size_t stride) {
 
 #else
 
-// All bits set in the pairs that are too far from the anchor.
-ZAVRI_INLINE V8 beyond(V8 pairs, V8 anchor) {
-  return (V8)((V16)above(absdiff(pairs, anchor), splat8(kRunTolerance - 1)) != 0);
+// All bits set in the pairs that are close to the anchor.
+ZAVRI_INLINE V8 close_to(V8 pairs, V8 anchor) {
+  return (V8)((V16)above(absdiff(pairs, anchor), splat8(kRunTolerance - 1)) == 0);
 }
 
-// ceil(2^32 / n): the upper half of x * kReciprocal[n] is x / n, exactly, for x < 256 n. With
+// ceil(2^32 / n): the upper half of x * kReciprocals.of[n] is x / n, exactly, for x < 256 n. With
 // e = n * ceil(2^32 / n) - 2^32 < n the product is too large by x * e / n < 256 n < 2^32 / n.
 struct Reciprocals {
   uint32_t of[256];
   constexpr Reciprocals() : of{} {
-    for (uint32_t n = 2; n < 256; ++n)
-      of[n] = static_cast<uint32_t>(((uint64_t{1} << 32) + n - 1) / n);
+    constexpr uint64_t kOne = uint64_t{1} << 32;
+    for (uint32_t n = 2; n < 256; ++n) of[n] = static_cast<uint32_t>((kOne + n - 1) / n);
   }
 };
 constexpr Reciprocals kReciprocals;
@@ -110,123 +110,162 @@ ZAVRI_INLINE void fill(uint8_t* to, size_t bytes, V8 pairs) {
   }
 }
 
-// A vector adds at most 4 * 255 to a lane, so sums stay below 2^32 for this many bytes.
-constexpr size_t kLongestSequence = size_t{1} << 26;
+// Sums of a run's bytes.
+struct RunSums {
+  V32 lanes_both{};
+  V32 lanes_v{};
+
+  ZAVRI_INLINE void add(V8 pairs) {
+    lanes_both = add_up(lanes_both, pairs);
+    lanes_v = add_up(lanes_v, (V8)((V16)pairs >> 8));
+  }
+};
+// A vector adds at most 8 * 255 to a lane, a pair 255 to a sum: both stay below 2^32.
+constexpr size_t kLongestSequence = size_t{1} << 25;
+
+// Smooths the run that begins at plane + first; returns where the next one does. At least one
+// vector lies before `end`.
+ZAVRI_INLINE size_t smooth_run(uint8_t* plane, size_t first, size_t end) {
+  V8 pairs = load(plane + first);
+  const V8 anchor = splat_first_pair(pairs);
+  V8 close = close_to(pairs, anchor);
+  RunSums sums;
+  size_t at = first;
+  while (all(close)) {
+    sums.add(pairs);
+    at += kVectorBytes;
+    if (at + kVectorBytes > end) break;
+    pairs = load(plane + at);
+    close = close_to(pairs, anchor);
+  }
+  uint64_t tail_u = 0;
+  uint64_t tail_v = 0;
+  if (at + kVectorBytes <= end) {
+    const size_t taken = first_clear(close);
+    sums.add(pairs & load(kPrefix.bytes + kVectorBytes - taken));
+    at += taken;
+  } else {
+    const int u = plane[first];
+    const int v = plane[first + 1];
+    for (; at < end && close_to(plane + at, u, v); at += kPair) {
+      tail_u += plane[at];
+      tail_v += plane[at + 1];
+    }
+  }
+  const size_t count = (at - first) / kPair;
+  if (count >= 2) {
+    const Totals sum = totals(sums.lanes_both - sums.lanes_v, sums.lanes_v);
+    const unsigned mean_u = quick_mean(sum.a + tail_u, count);
+    const unsigned mean_v = quick_mean(sum.b + tail_v, count);
+    fill(plane + first, at - first, (V8)splat16(mean_u | mean_v << 8));
+  }
+  return at;
+}
 
 void smooth_sequence(uint8_t* plane, size_t bytes) {
   if (bytes > kLongestSequence) return smooth_sequence_plain(plane, bytes);
   const size_t end = (bytes + 1) & ~size_t{1};
-  size_t first_pair = 0;
-  while (first_pair + kVectorBytes <= end) {
-    const int u = plane[first_pair];
-    const int v = plane[first_pair + 1];
-    const V8 anchor = (V8)splat16(static_cast<unsigned>(u | v << 8));
-    V32 lanes_u{};
-    V32 lanes_v{};
-    size_t run_end = first_pair;
-    bool whole = true;
-    for (; whole && run_end + kVectorBytes <= end;) {
-      V8 pairs = load(plane + run_end);
-      const V8 breaks = beyond(pairs, anchor);
-      size_t taken = kVectorBytes;
-      if (any(breaks)) {
-        taken = first(breaks);
-        pairs &= load(kPrefix.bytes + kVectorBytes - taken);
-        whole = false;
-      }
-      lanes_u = add_up(lanes_u, (V8)((V16)pairs & splat16(0xff)));
-      lanes_v = add_up(lanes_v, (V8)((V16)pairs >> 8));
-      run_end += taken;
-    }
-    uint64_t sum_u = total(lanes_u);
-    uint64_t sum_v = total(lanes_v);
-    if (whole) {
-      for (; run_end < end && close_to(plane + run_end, u, v); run_end += kPair) {
-        sum_u += plane[run_end];
-        sum_v += plane[run_end + 1];
-      }
-    }
-    const size_t count = (run_end - first_pair) / kPair;
-    if (count >= 2) {
-      const unsigned mean_u = quick_mean(sum_u, count);
-      const unsigned mean_v = quick_mean(sum_v, count);
-      fill(plane + first_pair, run_end - first_pair, (V8)splat16(mean_u | mean_v << 8));
-    }
-    first_pair = run_end;
-  }
-  smooth_line(plane + first_pair, kPair, (end - first_pair) / kPair);
+  size_t at = 0;
+  while (at + kVectorBytes <= end) at = smooth_run(plane, at, end);
+  smooth_line(plane + at, kPair, (end - at) / kPair);
 }
 
 // floor(sum / count) in signed 16-bit lanes, for |sum| < 20 * count <= 32767.
 ZAVRI_INLINE V16 small_quotient(V16 sum, V16 count) {
   const V16 sign = (V16)((S16)sum >> 15);
   V16 rest = sum ^ sign;  // floor(x / n) = ~floor(~x / n)
-  V16 quotient{};
+  V16 missed{};
   for (int bit = 4; bit >= 0; --bit) {
-    const V16 shifted = count << bit;
-    const V16 fits = (V16)((S16)rest >= (S16)shifted);
-    rest -= shifted & fits;
-    quotient -= fits << bit;  // fits is -1
+    const V16 less = rest - (count << bit);
+    missed += missed + (less >> 15);
+    rest = less < rest ? less : rest;
   }
-  return quotient ^ sign;
+  return (splat16(31) - missed) ^ sign;
 }
 
-// The runs that lead down the columns of one vector. Sums are of the differences from the anchor,
-// each below kRunTolerance: with the rounding term they fit 16 bits for kTallestColumn rows.
+// The runs that lead down the columns of one vector. Sums wrap, but their difference from anchor *
+// count is small: each pair adds less than kRunTolerance to it, which with the rounding term fits
+// 16 bits for kTallestColumn rows.
 struct ColumnRuns {
   V8 anchor;
-  V16 sum_u{};
-  V16 sum_v{};
-  V16 count{};
+  V16 sum_u;
+  V16 sum_v;
+  V16 count;
 
-  ZAVRI_INLINE void add(V8 pairs, V8 breaks) {
-    const V16 goes_on = ~(V16)breaks;
-    anchor = select(breaks, pairs, anchor);
-    const V16 low = splat16(0xff);
-    sum_u = (sum_u & goes_on) + ((V16)pairs & low) - ((V16)anchor & low);
-    sum_v = (sum_v & goes_on) + ((V16)pairs >> 8) - ((V16)anchor >> 8);
+  ZAVRI_INLINE void start(V8 pairs) {
+    *this = ColumnRuns{};
+    add(pairs, V8{});
+  }
+
+  // A run goes on where the mask is set and starts anew elsewhere.
+  ZAVRI_INLINE void add(V8 pairs, V8 mask) {
+    const V16 goes_on = (V16)mask;
+    anchor = select(mask, anchor, pairs);
+    sum_u = (sum_u & goes_on) + ((V16)pairs & splat16(0xff));
+    sum_v = (sum_v & goes_on) + ((V16)pairs >> 8);
     count = (count & goes_on) + splat16(1);
   }
 
   ZAVRI_INLINE V8 mean() const {
     const V16 half = count >> 1;
-    const V16 u = ((V16)anchor & splat16(0xff)) + small_quotient(sum_u + half, count);
-    const V16 v = ((V16)anchor >> 8) + small_quotient(sum_v + half, count);
-    return (V8)(u | v << 8);
+    const V16 u = (V16)anchor & splat16(0xff);
+    const V16 v = (V16)anchor >> 8;
+    const V16 mean_u = u + small_quotient(sum_u - u * count + half, count);
+    const V16 mean_v = v + small_quotient(sum_v - v * count + half, count);
+    return (V8)(mean_u | mean_v << 8);
   }
 };
 constexpr size_t kTallestColumn = 1680;
 static_assert((kRunTolerance - 1) * kTallestColumn + kTallestColumn / 2 <= 32767);
 
-// Downwards a run's mean is left in its last row; upwards it is carried to the rows above.
+// Downwards a run's mean is left in its last row; upwards it is carried to the rows above. Two
+// vectors side by side share a row's cache line and hide each other's latencies.
+template <size_t kVectors>
 void smooth_column_block(uint8_t* top, size_t rows, size_t stride) {
-  V8 run_ends[kTallestColumn];  // set in the pairs that end a run in that row
+  V8 goes_on[kTallestColumn][kVectors];  // set in the pairs whose run goes on in the next row
+  ColumnRuns runs[kVectors];
+  for (size_t i = 0; i < kVectors; ++i) runs[i].start(load(top + i * kVectorBytes));
   uint8_t* row = top;
-  ColumnRuns runs{load(row)};
-  runs.add(runs.anchor, V8{});
   for (size_t r = 0; r + 1 < rows; ++r, row += stride) {
-    const V8 below = load(row + stride);
-    const V8 breaks = beyond(below, runs.anchor);
-    if (any(breaks)) store(row, select(breaks, runs.mean(), load(row)));
-    run_ends[r] = breaks;
-    runs.add(below, breaks);
+    for (size_t i = 0; i < kVectors; ++i) {
+      uint8_t* const at = row + i * kVectorBytes;
+      const V8 below = load(at + stride);
+      const V8 close = close_to(below, runs[i].anchor);
+      if (!all(close)) store(at, select(close, load(at), runs[i].mean()));
+      goes_on[r][i] = close;
+      runs[i].add(below, close);
+    }
   }
-  V8 current = runs.mean();
-  store(row, current);
+  V8 current[kVectors];
+  for (size_t i = 0; i < kVectors; ++i) {
+    current[i] = runs[i].mean();
+    store(row + i * kVectorBytes, current[i]);
+  }
   for (size_t r = rows - 1; r-- > 0;) {
     row -= stride;
-    current = select(run_ends[r], load(row), current);
-    store(row, current);
+    for (size_t i = 0; i < kVectors; ++i) {
+      uint8_t* const at = row + i * kVectorBytes;
+      current[i] = select(goes_on[r][i], current[i], load(at));
+      store(at, current[i]);
+    }
   }
 }
 
-void smooth_columns(uint8_t* plane, size_t width, size_t rows, size_t stride) {
-  size_t x = 0;
-  // A stride below the vector length would make columns of one block overlap.
-  if (rows <= kTallestColumn && stride >= kVectorBytes) {
-    for (; x + kVectorBytes <= width; x += kVectorBytes)
-      smooth_column_block(plane + x, rows, stride);
+// From column x on, as long as whole blocks fit; returns the first column that is left. A stride
+// below a block's width would let its columns overlap.
+template <size_t kVectors>
+size_t smooth_column_blocks(uint8_t* plane, size_t x, size_t width, size_t rows, size_t stride) {
+  constexpr size_t kBlock = kVectors * kVectorBytes;
+  if (rows > kTallestColumn || stride < kBlock) return x;
+  for (; x + kBlock <= width; x += kBlock) {
+    smooth_column_block<kVectors>(plane + x, rows, stride);
   }
+  return x;
+}
+
+void smooth_columns(uint8_t* plane, size_t width, size_t rows, size_t stride) {
+  size_t x = smooth_column_blocks<2>(plane, 0, width, rows, stride);
+  x = smooth_column_blocks<1>(plane, x, width, rows, stride);
   smooth_columns_plain(plane, x, width, rows, stride);
 }
 

@@ -8,6 +8,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <utility>
 
 #if !defined(ZAVRI_GENERIC_VECTORS) && defined(__SSSE3__)
 #define ZAVRI_X86 1
@@ -45,6 +46,15 @@ ZAVRI_INLINE V8 splat8(unsigned value) { return V8{} + static_cast<uint8_t>(valu
 
 ZAVRI_INLINE V16 splat16(unsigned value) { return V16{} + static_cast<uint16_t>(value); }
 
+// The first pair of bytes in all pairs.
+template <size_t... kLane>
+ZAVRI_INLINE V16 splat_first(V16 v, std::index_sequence<kLane...>) {
+  return __builtin_shufflevector(v, v, static_cast<int>(0 * kLane)...);
+}
+ZAVRI_INLINE V8 splat_first_pair(V8 v) {
+  return (V8)splat_first((V16)v, std::make_index_sequence<kVectorBytes / 2>());
+}
+
 #if ZAVRI_X86
 
 #if ZAVRI_VECTOR_BYTES == 32
@@ -72,12 +82,20 @@ ZAVRI_INLINE V8 above(V8 a, V8 b) { return (V8)ZAVRI_MM(subs_epu8, (Native)a, (N
 
 ZAVRI_INLINE V8 absdiff(V8 a, V8 b) { return above(a, b) | above(b, a); }
 
-// a where the mask is set, b elsewhere. Bit by bit.
-ZAVRI_INLINE V8 select(V8 mask, V8 a, V8 b) { return (mask & a) | (~mask & b); }
+// a where the mask is set, b elsewhere. Masks have whole bytes set.
+ZAVRI_INLINE V8 select(V8 mask, V8 a, V8 b) {
+#if ZAVRI_VECTOR_BYTES == 16 && defined(__SSE4_1__)
+  return (V8)_mm_blendv_epi8((Native)b, (Native)a, (Native)mask);
+#else
+  return (mask & a) | (~mask & b);  // the 32-byte blend costs as much
+#endif
+}
 
-// Whether a mask has a byte set, and the index of the first that is.
-ZAVRI_INLINE bool any(V8 mask) { return mask_bits(mask) != 0; }
-ZAVRI_INLINE size_t first(V8 mask) { return static_cast<size_t>(__builtin_ctz(mask_bits(mask))); }
+// Whether all bytes of a mask are set, and the index of the first that is not.
+ZAVRI_INLINE bool all(V8 mask) { return mask_bits(~mask) == 0; }
+ZAVRI_INLINE size_t first_clear(V8 mask) {
+  return static_cast<size_t>(__builtin_ctz(mask_bits(~mask)));
+}
 
 // Adds every byte to one of the 32-bit lanes, 4 or 8 to a lane.
 ZAVRI_INLINE V32 add_up(V32 sums, V8 v) {
@@ -113,31 +131,42 @@ ZAVRI_INLINE V32 add_up(V32 sums, V8 v) {
 
 #if !ZAVRI_X86
 
-ZAVRI_INLINE bool any(V8 mask) {
-  uint64_t bits = 0;
-  for (size_t i = 0; i < kVectorBytes / 8; ++i) bits |= ((V64)mask)[i];
-  return bits != 0;
+ZAVRI_INLINE bool all(V8 mask) {
+  uint64_t bits = ~uint64_t{0};
+  for (size_t i = 0; i < kVectorBytes / 8; ++i) bits &= ((V64)mask)[i];
+  return ~bits == 0;
 }
 
-ZAVRI_INLINE size_t first(V8 mask) {
+ZAVRI_INLINE size_t first_clear(V8 mask) {
   size_t i = 0;
-  while (((V64)mask)[i] == 0) ++i;
-  return i * 8 + static_cast<size_t>(__builtin_ctzll(((V64)mask)[i])) / 8;
+  while (~((V64)mask)[i] == 0) ++i;
+  return i * 8 + static_cast<size_t>(__builtin_ctzll(~((V64)mask)[i])) / 8;
 }
 
 #endif
 
 ZAVRI_INLINE V16 select(V16 mask, V16 a, V16 b) { return (V16)select((V8)mask, (V8)a, (V8)b); }
 
-// Sum of all lanes. x86 adds up into the lower halves of 64-bit lanes only.
-ZAVRI_INLINE uint64_t total(V32 sums) {
-  uint64_t sum = 0;
+// The sums of all lanes of two vectors, each below 2^32.
+struct Totals {
+  uint32_t a;
+  uint32_t b;
+};
+ZAVRI_INLINE Totals totals(V32 a, V32 b) {
 #if ZAVRI_X86
-  for (size_t i = 0; i < kVectorBytes / 8; ++i) sum += ((V64)sums)[i];
+  // Sums stand in the lower halves of 64-bit lanes only: both go through one reduction.
+  const V64 both = (V64)a + ((V64)b << 32);
+  uint64_t sum = 0;
+  for (size_t i = 0; i < kVectorBytes / 8; ++i) sum += both[i];
+  return {static_cast<uint32_t>(sum), static_cast<uint32_t>(sum >> 32)};
 #else
-  for (size_t i = 0; i < kVectorBytes / 4; ++i) sum += sums[i];
+  Totals sums{};
+  for (size_t i = 0; i < kVectorBytes / 4; ++i) {
+    sums.a += a[i];
+    sums.b += b[i];
+  }
+  return sums;
 #endif
-  return sum;
 }
 
 }  // namespace

@@ -1,0 +1,314 @@
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <string>
+#include <thread>
+
+#include "include/zavricustpro.h"
+#include "platform/log.h"
+#include "tests/support/log_capture.h"
+#include "tests/support/thread_faults.h"
+
+namespace zavri::testing {
+namespace {
+
+std::vector<LogLine> pool_lines(std::initializer_list<std::string> texts) {
+  std::vector<LogLine> lines;
+  for (const std::string& text : texts) lines.push_back({kLogVerbose, kTagPool, text});
+  return lines;
+}
+
+LogLine watch_line(const char* event) { return {0, kWatchTag, event}; }
+
+constexpr char kConstructed[] = "Constructed ThreadPool of size 4.";
+constexpr char kCreated[] = "4 threads created by the thread pool";
+constexpr char kStopping[] = "Broadcasting STOP signal to all threads...";
+constexpr char kExited[] = "4 threads exited from the thread pool";
+
+void count_run(const void*, const void*, void* count) { ++*static_cast<int*>(count); }
+
+// Fans `count` runs out; each must have been run exactly once when Work returns.
+void expect_each_runs_once(ThreadPool* pool, int count) {
+  std::vector<int> runs(static_cast<size_t>(count), 0);
+  std::vector<T_ThreadPoolTaskInput> inputs(runs.size());
+  for (size_t i = 0; i < runs.size(); ++i) inputs[i] = {nullptr, &runs[i], nullptr};
+  ThreadPoolWorker worker(pool, count, count_run, inputs.data());
+  EXPECT_EQ(worker.Work(), 0);
+  EXPECT_EQ(runs, std::vector<int>(runs.size(), 1));
+}
+
+class ProcessPool : public ::testing::Test {
+ protected:
+  ProcessPool() {
+    HALThreadPoolDestroy();
+    take_log();
+  }
+  ~ProcessPool() override { HALThreadPoolDestroy(); }
+};
+
+TEST_F(ProcessPool, LivesFromInitToDestroy) {
+  EXPECT_EQ(HALThreadPoolDestroy(), 0);  // there is none yet
+  EXPECT_EQ(take_log(), pool_lines({}));
+
+  EXPECT_EQ(HALThreadPoolInit(), 0);
+  EXPECT_EQ(take_log(), pool_lines({kConstructed, kCreated}));
+  EXPECT_EQ(g_hal_threadpool_init, 1);
+  ThreadPool* const pool = g_threadpool;
+  ASSERT_NE(pool, nullptr);
+  EXPECT_EQ(pool->threads.size(), 4u);
+
+  EXPECT_EQ(HALThreadPoolInit(), 0);
+  EXPECT_EQ(g_threadpool, pool);
+  EXPECT_EQ(take_log(), pool_lines({}));
+
+  for (const auto& lines : {pool_lines({kStopping, kExited}), pool_lines({})}) {
+    EXPECT_EQ(HALThreadPoolDestroy(), 0);
+    EXPECT_EQ(g_threadpool, nullptr);
+    EXPECT_EQ(g_hal_threadpool_init, 0);
+    EXPECT_EQ(take_log(), lines);
+  }
+}
+
+TEST_F(ProcessPool, LeavesAHalfStartedPoolAndReplacesItNextTime) {
+  for (int failing = 1; failing <= 4; ++failing) {
+    SCOPED_TRACE(failing);
+    {
+      const FailPthread fail(PthreadCall::kCreate, failing, 11);
+      EXPECT_EQ(HALThreadPoolInit(), -1);
+    }
+    EXPECT_EQ(take_log(), pool_lines({kConstructed, "pthread_create() failed: 11.",
+                                      "Failed to initialize g_threadpool!"}));
+    ThreadPool* const half = g_threadpool;
+    ASSERT_NE(half, nullptr);
+    EXPECT_EQ(half->threads.size(), static_cast<size_t>(failing - 1));
+    EXPECT_EQ(g_hal_threadpool_init, 0);
+    if (failing > 1) expect_each_runs_once(half, 9);
+
+    EXPECT_EQ(HALThreadPoolDestroy(), 0);  // does not count it as a pool
+    EXPECT_EQ(g_threadpool, half);
+    EXPECT_EQ(take_log(), pool_lines({}));
+
+    EXPECT_EQ(HALThreadPoolInit(), 0);
+    EXPECT_NE(g_threadpool, half);
+    EXPECT_EQ(take_log(), pool_lines({kConstructed, kCreated}));
+    delete half;
+    EXPECT_EQ(take_log(), pool_lines({kStopping, kExited}));
+    HALThreadPoolDestroy();
+    take_log();
+  }
+}
+
+TEST(ThreadPool, JoinFailureShowsTheTextOfErrno) {
+  ThreadPool pool(3);
+  ASSERT_EQ(pool.initialize_threadpool(), 0);
+  take_log();
+  const FailPthread fail(PthreadCall::kJoin, 2, 3);
+  EXPECT_EQ(pool.destroy_threadpool(), 0);
+  const std::string text = strerror(FailPthread::kErrnoAfterFailure);
+  EXPECT_EQ(take_log(), pool_lines({kStopping, "pthread_join() returned 3: " + text,
+                                    "3 threads exited from the thread pool"}));
+}
+
+TEST(ThreadPool, OfNoThreadsRunsNothing) {
+  int runs = 0;
+  Task task([](void* count) { ++*static_cast<int*>(count); }, &runs);
+  take_log();
+  {
+    ThreadPool pool(0);
+    EXPECT_EQ(pool.initialize_threadpool(), 0);
+    EXPECT_EQ(pool.add_task(&task), 0);
+  }
+  EXPECT_EQ(take_log(),
+            pool_lines({"Constructed ThreadPool of size 0.", "0 threads created by the thread pool",
+                        kStopping, "0 threads exited from the thread pool"}));
+  EXPECT_EQ(runs, 0);
+  task.run();
+  task();
+  EXPECT_EQ(runs, 2);
+}
+
+TEST(ThreadPool, DestructorStopsOnceAndUnlocksBeforeItDestroysTheLock) {
+  for (const bool stopped : {false, true}) {
+    SCOPED_TRACE(stopped);
+    auto* const pool = new ThreadPool(0);
+    if (stopped) pool->destroy_threadpool();
+    const WatchMutex watch(&pool->task_lock.mutex);
+    take_log();
+    delete pool;
+    std::vector<LogLine> expected;
+    if (!stopped) {
+      expected = pool_lines({kStopping, "0 threads exited from the thread pool"});
+      expected.insert(expected.begin(), {watch_line("lock"), watch_line("unlock")});
+    }
+    expected.insert(expected.end(), {watch_line("unlock"), watch_line("destroy")});
+    EXPECT_EQ(take_log(), expected);
+  }
+}
+
+TEST(TaskLock, DestructorWaitsUntilNobodyHoldsIt) {
+  auto* const lock = new TaskLock;
+  lock->lock();
+  EXPECT_EQ(lock->locked, 1);
+  lock->unlock();
+  EXPECT_EQ(lock->locked, 0);
+
+  const WatchMutex watch(&lock->mutex);
+  take_log();
+  lock->locked = 1;
+  std::atomic<bool> destroying{false};
+  std::thread destroyer([&] {
+    destroying = true;
+    delete lock;
+  });
+  while (!destroying) std::this_thread::yield();
+  __android_log_print(0, kWatchTag, "release");
+  lock->locked = 0;
+  destroyer.join();
+  EXPECT_EQ(take_log(), (std::vector<LogLine>{watch_line("release"), watch_line("unlock"),
+                                              watch_line("destroy")}));
+}
+
+// A task that runs until its pool has been told to stop.
+struct UntilStopped {
+  ThreadPool* pool;
+  std::atomic<bool> started{false};
+  bool finished = false;
+
+  static void run(void* self) { static_cast<UntilStopped*>(self)->run(); }
+  void run() {
+    started = true;
+    for (bool stopped = false; !stopped; std::this_thread::yield()) {
+      pool->task_lock.lock();
+      stopped = pool->pool_state == 1;
+      pool->task_lock.unlock();
+    }
+    finished = true;
+  }
+};
+
+TEST(ThreadPool, StopFinishesTheRunningTaskAndAbandonsTheQueue) {
+  ThreadPool pool(1);
+  ASSERT_EQ(pool.initialize_threadpool(), 0);
+  UntilStopped running{&pool};
+  Task first(UntilStopped::run, &running);
+  int runs = 0;
+  Task second([](void* count) { ++*static_cast<int*>(count); }, &runs);
+  pool.add_task(&first);
+  pool.add_task(&second);
+  while (!running.started) std::this_thread::yield();
+  EXPECT_EQ(pool.destroy_threadpool(), 0);
+  EXPECT_TRUE(running.finished);
+  EXPECT_EQ(runs, 0);
+  EXPECT_EQ(pool.task_queue, std::deque<Task*>{&second});
+}
+
+TEST(ThreadPool, RunsInTheOrderOfQueueingAlsoWhatCameBeforeItsThreads) {
+  struct Entry {
+    std::vector<int>* order;
+    int number;
+  };
+  std::vector<int> order;
+  std::vector<int> expected;
+  std::vector<Entry> entries;
+  std::vector<T_ThreadPoolTaskInput> inputs;
+  for (int i = 0; i < 100; ++i) entries.push_back({&order, i}), expected.push_back(i);
+  for (Entry& entry : entries) inputs.push_back({nullptr, &entry, nullptr});
+
+  ThreadPool pool(1);
+  ThreadPoolWorker worker(
+      &pool, 100,
+      [](const void*, const void*, void* out) {
+        const auto& entry = *static_cast<Entry*>(out);
+        entry.order->push_back(entry.number);
+      },
+      inputs.data());
+  std::thread caller([&] { worker.Work(); });
+  // The queue is full before the first thread starts.
+  for (size_t queued = 0; queued < inputs.size(); std::this_thread::yield()) {
+    pool.task_lock.lock();
+    queued = pool.task_queue.size();
+    pool.task_lock.unlock();
+  }
+  pool.initialize_threadpool();
+  caller.join();
+  EXPECT_EQ(order, expected);
+}
+
+TEST(FanOut, RunsEachInputExactlyOnceAndThenReturns) {
+  ThreadPool pool;
+  ASSERT_EQ(pool.initialize_threadpool(), 0);
+  expect_each_runs_once(&pool, 0);
+  // Two callers share the pool.
+  const auto fan_out = [&pool] {
+    for (int round = 0; round < 5000; ++round) expect_each_runs_once(&pool, 1 + round % 64);
+  };
+  std::thread other(fan_out);
+  fan_out();
+  other.join();
+
+  ThreadPool idle(0);
+  expect_each_runs_once(&idle, 0);
+  EXPECT_TRUE(idle.task_queue.empty());
+}
+
+TEST(FanOut, CrossesTheFieldsOfAnInput) {
+  const int in0 = 0;
+  const int in1 = 0;
+  struct Arguments {
+    const void* first = nullptr;
+    const void* second = nullptr;
+  } seen;
+  T_ThreadPoolTaskInput input = {&in0, &seen, &in1};
+  ThreadPoolWorker worker(
+      nullptr, 1,
+      [](const void* first, const void* second, void* out) {
+        *static_cast<Arguments*>(out) = {first, second};
+      },
+      &input);
+  ThreadPoolTaskInfo info(&worker, worker.task_fn, &input);
+  WorkerThreadBase(&info);
+  EXPECT_EQ(seen.first, &in0);
+  EXPECT_EQ(seen.second, &in1);
+  EXPECT_EQ(worker.remaining, 0);
+}
+
+TEST(FanOut, WorkWaitsForEveryFinish) {
+  ThreadPool pool(0);
+  T_ThreadPoolTaskInput inputs[3] = {};
+  ThreadPoolWorker worker(&pool, 3, count_run, inputs);
+  worker.OneTaskFinish();
+  std::thread caller([&] {
+    worker.Work();
+    EXPECT_EQ(worker.remaining, 0);
+  });
+  worker.OneTaskFinish();
+  worker.OneTaskFinish();
+  caller.join();
+}
+
+TEST(FanOut, LogsFailuresOfItsLockAndGoesOn) {
+  ThreadPool pool(2);
+  ASSERT_EQ(pool.initialize_threadpool(), 0);
+  constexpr struct {
+    PthreadCall call;
+    const char* text;
+  } kFailures[] = {
+      {PthreadCall::kMutexInit, "##### Failed to initialize worker_lock!"},
+      {PthreadCall::kCondInit, "##### Failed to initialize worker_cond!"},
+      {PthreadCall::kMutexDestroy, "##### Failed to destroy worker_lock!"},
+      {PthreadCall::kCondDestroy, "##### Failed to destroy worker_cond!"},
+  };
+  for (const auto& failure : kFailures) {
+    take_log();
+    const FailPthread fail(failure.call, 1, 16);
+    expect_each_runs_once(&pool, 3);
+    EXPECT_EQ(take_log(), pool_lines({failure.text}));
+  }
+  const FailPthread lock(PthreadCall::kMutexDestroy, 1, 16);
+  const FailPthread condition(PthreadCall::kCondDestroy, 1, 16);
+  expect_each_runs_once(&pool, 3);
+  EXPECT_EQ(take_log(), pool_lines({kFailures[2].text, kFailures[3].text}));
+}
+
+}  // namespace
+}  // namespace zavri::testing
