@@ -55,7 +55,7 @@ ZAVRI_INLINE V8 splat_first_pair(V8 v) {
   return (V8)splat_first((V16)v, std::make_index_sequence<kVectorBytes / 2>());
 }
 
-#if ZAVRI_X86
+#ifdef ZAVRI_X86
 
 #if ZAVRI_VECTOR_BYTES == 32
 typedef __m256i Native;
@@ -102,7 +102,7 @@ ZAVRI_INLINE V32 add_up(V32 sums, V8 v) {
   return sums + (V32)ZAVRI_MM(sad_epu8, (Native)v, (Native)V8{});
 }
 
-#elif ZAVRI_NEON
+#elif defined(ZAVRI_NEON)
 
 ZAVRI_INLINE V8 avg_up(V8 a, V8 b) { return (V8)vrhaddq_u8((uint8x16_t)a, (uint8x16_t)b); }
 ZAVRI_INLINE V8 avg_down(V8 a, V8 b) { return (V8)vhaddq_u8((uint8x16_t)a, (uint8x16_t)b); }
@@ -129,7 +129,7 @@ ZAVRI_INLINE V32 add_up(V32 sums, V8 v) {
 
 #endif
 
-#if !ZAVRI_X86
+#ifndef ZAVRI_X86
 
 ZAVRI_INLINE bool all(V8 mask) {
   uint64_t bits = ~uint64_t{0};
@@ -153,7 +153,7 @@ struct Totals {
   uint32_t b;
 };
 ZAVRI_INLINE Totals totals(V32 a, V32 b) {
-#if ZAVRI_X86
+#ifdef ZAVRI_X86
   // Sums stand in the lower halves of 64-bit lanes only: both go through one reduction.
   const V64 both = (V64)a + ((V64)b << 32);
   uint64_t sum = 0;
