@@ -1,0 +1,65 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "tools/denoise.h"
+#include "tools/noise.h"
+#include "tools/raw_format.h"
+#include "tools/report.h"
+
+// The commands of the program. Each has its options, filled in by the command line, and a function
+// that returns the exit status.
+namespace zavri::tools {
+
+struct BurstOptions {
+  std::string photograph;
+  std::string folder;
+  int frames = 4;
+  Sensor sensor;
+  uint64_t seed = 1;
+  std::string pixel = "nv12";
+};
+int run_burst(const BurstOptions& options, const Console& console);
+
+struct DenoiseOptions {
+  std::vector<std::string> inputs;
+  std::string output;
+  RawOptions raw;
+  DenoiseSettings settings;
+};
+int run_denoise(const DenoiseOptions& options, const Console& console);
+
+struct ViewOptions {
+  std::string input;
+  std::string output;
+  RawOptions raw;
+};
+int run_view(const ViewOptions& options, const Console& console);
+
+struct CompareOptions {
+  std::string a;
+  std::string b;
+  RawOptions raw;
+  double min_psnr = 0;
+  std::string difference;  // picture to write
+};
+int run_compare(const CompareOptions& options, const Console& console);
+
+struct InfoOptions {
+  std::vector<std::string> inputs;
+  RawOptions raw;
+};
+int run_info(const InfoOptions& options, const Console& console);
+
+struct DemoOptions {
+  std::string photograph;  // the default one when empty
+  std::string folder = "zavri-demo";
+  Sensor sensor;
+  uint64_t seed = 1;
+  DenoiseSettings settings;
+};
+int run_demo(const DemoOptions& options, const Console& console);
+
+}  // namespace zavri::tools

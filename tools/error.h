@@ -1,0 +1,25 @@
+#pragma once
+
+#include <stdexcept>
+#include <string>
+
+namespace zavri::tools {
+
+// What the program's exit status says.
+enum Status : int {
+  kDone = 0,
+  kBelowLimit = 1,
+  kBadInput = 2,
+  kRefused = 3,  // by the library
+};
+
+// Ends the program with one line on stderr. The text names what is wrong and what would be right.
+class Error : public std::runtime_error {
+ public:
+  explicit Error(const std::string& text, Status with_status = kBadInput)
+      : std::runtime_error(text), status(with_status) {}
+
+  Status status;
+};
+
+}  // namespace zavri::tools

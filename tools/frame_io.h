@@ -1,0 +1,28 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "tools/files.h"
+#include "tools/frame.h"
+#include "tools/raw_format.h"
+
+namespace zavri::tools {
+
+// Reads the frames of a file: one of a picture (PNG, JPEG, PPM) or a raw frame, all of a Y4M
+// stream.
+std::vector<Frame> load_frames(const std::string& path, const RawOptions& raw);
+Frame load_frame(const std::string& path, const RawOptions& raw);
+
+Picture load_picture(const std::string& path);
+
+// Encodes by the extension of `path`: .png .jpg .ppm .y4m .nv12 .nv21 .yuv; stdout takes Y4M.
+Bytes encode(const Frame& frame, const std::string& path);
+Bytes encode(const Picture& picture, const std::string& path);
+
+bool is_picture_name(const std::string& path);
+
+// Throws unless encode() knows the name's extension.
+void check_extension(const std::string& path);
+
+}  // namespace zavri::tools

@@ -1,0 +1,100 @@
+#include "tools/raw_format.h"
+
+#include <filesystem>
+#include <regex>
+
+#include "tools/error.h"
+
+namespace zavri::tools {
+namespace {
+
+constexpr int kLargestSide = 65534;
+
+std::string size_in_name(const std::string& path) {
+  const std::string name = std::filesystem::path(path).filename();
+  static const std::regex pattern("_([0-9]+x[0-9]+)|([0-9]+x[0-9]+)_");
+  std::smatch match;
+  if (!std::regex_search(name, match, pattern)) return {};
+  return match[1].matched ? match[1] : match[2];
+}
+
+std::string order_in_name(const std::string& path) {
+  const std::string extension = std::filesystem::path(path).extension();
+  return extension == ".nv21" ? "nv21" : "nv12";
+}
+
+const char* name_of(ChromaOrder order) { return order == ChromaOrder::kUv ? "nv12" : "nv21"; }
+
+// A size of this many bytes without padding: of the width asked for, or one that cameras have.
+std::string what_would_fit(const RawFormat& asked, size_t bytes) {
+  constexpr int kSizes[][2] = {{640, 480},   {1280, 720},  {1920, 1080}, {2592, 1944}, {3264, 2448},
+                               {3840, 2160}, {4000, 2250}, {4000, 3000}, {4032, 3024}, {4160, 3120},
+                               {4208, 3120}, {4608, 3456}, {5312, 2988}, {5344, 4016}};
+  const size_t pixels = bytes / 3 * 2;
+  if (bytes % 3 == 0 && pixels % asked.width == 0 && pixels / asked.width % 2 == 0 && pixels > 0) {
+    return std::to_string(asked.width) + 'x' + std::to_string(pixels / asked.width);
+  }
+  for (const auto& [width, height] : kSizes) {
+    if (static_cast<size_t>(width) * height * 3 / 2 == bytes) {
+      return std::to_string(width) + 'x' + std::to_string(height);
+    }
+  }
+  return {};
+}
+
+}  // namespace
+
+std::pair<int, int> parse_size(const std::string& text, const std::string& argument) {
+  static const std::regex pattern("([0-9]{1,5})x([0-9]{1,5})");
+  std::smatch match;
+  if (std::regex_match(text, match, pattern)) {
+    const int width = std::stoi(match[1]);
+    const int height = std::stoi(match[2]);
+    const bool even = width % 2 == 0 && height % 2 == 0;
+    if (even && width > 0 && height > 0 && width <= kLargestSide && height <= kLargestSide) {
+      return {width, height};
+    }
+  }
+  throw Error(argument + " " + text + ": a size is WxH, both even, such as 4000x3000");
+}
+
+ChromaOrder parse_order(const std::string& pixel) {
+  if (pixel == "nv12") return ChromaOrder::kUv;
+  if (pixel == "nv21") return ChromaOrder::kVu;
+  throw Error("--pix " + pixel + ": the formats are nv12 and nv21");
+}
+
+RawFormat raw_format(const std::string& path, const RawOptions& options, size_t bytes) {
+  const std::string named = size_in_name(path);
+  if (options.size.empty() && named.empty()) {
+    throw Error(path + ": give --size WxH, the name does not carry one such as _4000x3000");
+  }
+  const auto [width, height] =
+      options.size.empty() ? parse_size(named, path + ':') : parse_size(options.size, "--size");
+  RawFormat format{};
+  format.width = width;
+  format.height = height;
+  format.order = parse_order(options.pixel.empty() ? order_in_name(path) : options.pixel);
+  format.stride = options.stride == 0 ? width : options.stride;
+  format.scanlines = options.scanlines == 0 ? height : options.scanlines;
+  if (format.stride < width) {
+    throw Error("--stride " + std::to_string(format.stride) + ": at least the width, " +
+                std::to_string(width));
+  }
+  if (format.scanlines < height || format.scanlines % 2 != 0) {
+    throw Error("--scanlines " + std::to_string(format.scanlines) +
+                ": even and at least the height, " + std::to_string(height));
+  }
+  if (format.bytes() != bytes) {
+    const std::string fit = what_would_fit(format, bytes);
+    std::string text = path + ": " + std::to_string(width) + 'x' + std::to_string(height) + ' ' +
+                       name_of(format.order) + " is " + std::to_string(format.bytes()) +
+                       " bytes, but ";
+    text += fit.empty() ? "the file has " + std::to_string(bytes) + "; give --size or --stride"
+                        : std::to_string(bytes) + " bytes is " + fit + ' ' + name_of(format.order);
+    throw Error(text);
+  }
+  return format;
+}
+
+}  // namespace zavri::tools

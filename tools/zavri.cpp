@@ -1,0 +1,180 @@
+// The program `zavri`: the library's operations on files, for people who tune and check them.
+#include <CLI/CLI.hpp>
+#include <cstdio>
+#include <functional>
+
+#include "tools/commands/commands.h"
+#include "tools/error.h"
+#include "tools/log_lines.h"
+
+namespace zavri::tools {
+namespace {
+
+// Command line of one command: its options are bound to the struct that its function takes.
+class CommandLine {
+ public:
+  CommandLine() {
+    app_.require_subcommand(1);
+    app_.set_version_flag("--version", ZAVRI_VERSION);
+    app_.failure_message(CLI::FailureMessage::simple);
+  }
+
+  template <class Options>
+  CLI::App* add(const char* name, const char* what, const char* example, Options& options,
+                int (*run)(const Options&, const Console&)) {
+    CLI::App* const command = app_.add_subcommand(name, what);
+    command->footer(std::string("Example: zavri ") + example);
+    command->add_flag("--json", console_.json, "print results as JSON");
+    command->add_flag("--quiet", console_.quiet, "print errors only");
+    command->add_flag("--verbose", console_.verbose, "show the library's log lines");
+    command->add_flag("--force", console_.force, "overwrite existing files");
+    command->callback([this, &options, run] {
+      show_log_lines(console_.verbose);
+      run_ = [this, &options, run] { return run(options, console_); };
+    });
+    return command;
+  }
+
+  int main(int argc, char** argv) {
+    try {
+      app_.parse(argc, argv);
+    } catch (const CLI::Success& help) {
+      return app_.exit(help);
+    } catch (const CLI::ParseError& error) {
+      std::fprintf(stderr, "zavri: %s\n", error.what());
+      return kBadInput;
+    }
+    return run_();
+  }
+
+ private:
+  CLI::App app_{"Camera post-processing on files: bursts, denoise, comparison.", "zavri"};
+  Console console_;
+  std::function<int()> run_;
+};
+
+void add_raw_options(CLI::App* command, RawOptions& raw) {
+  command->add_option("--size", raw.size, "WxH of raw input, unless its name carries it");
+  command->add_option("--pix", raw.pixel, "nv12 or nv21, unless the extension says it");
+  command->add_option("--stride", raw.stride, "bytes from row to row of raw input")
+      ->check(CLI::Range(2, 1 << 20));
+  command->add_option("--scanlines", raw.scanlines, "luma rows of raw input, with padding")
+      ->check(CLI::Range(2, 1 << 20));
+}
+
+void add_sensor_options(CLI::App* command, Sensor& sensor, uint64_t& seed) {
+  command->add_option("--sensor-gain", sensor.gain, "of the simulated sensor, ISO over 100")
+      ->check(CLI::Range(0.1, 1000.0))
+      ->capture_default_str();
+  command->add_option("--seed", seed, "of the noise")->capture_default_str();
+}
+
+// A threshold: 1..100, or `auto` for the library's curve over the gain.
+void add_threshold(CLI::App* command, const char* name, int& value, const char* what) {
+  command
+      ->add_option_function<std::string>(
+          name,
+          [&value](const std::string& text) {
+            value = text == "auto" ? 0 : CLI::Range(1, 100)(text).empty() ? std::stoi(text) : -1;
+            if (value < 0) throw CLI::ValidationError(text, "a threshold is 1..100 or auto");
+          },
+          what)
+      ->type_name("N|auto");
+}
+
+void add_denoise_settings(CLI::App* command, DenoiseSettings& settings) {
+  const std::map<std::string, Merge> modes{{"whole", Merge::kWhole},
+                                           {"edges", Merge::kEdges},
+                                           {"edges-luma", Merge::kEdgesLuma},
+                                           {"chroma", Merge::kChroma}};
+  command->add_option("--mode", settings.merge, "whole, edges, edges-luma or chroma")
+      ->transform(CLI::Transformer(modes))
+      ->type_name("MODE");
+  add_threshold(command, "--thresh", settings.thresh, "of chroma, scaled by the frame's size");
+  add_threshold(command, "--thresh-luma", settings.thresh_luma, "of luma, scaled likewise");
+  command->add_option("--gain", settings.gain, "sensor gain of the record")
+      ->check(CLI::Range(0, 255))
+      ->capture_default_str();
+  command->add_option("--ref", settings.reference, "index of the frame that is denoised")
+      ->check(CLI::Range(0, 3))
+      ->capture_default_str();
+}
+
+int run_program(int argc, char** argv) {
+  CommandLine line;
+
+  BurstOptions burst;
+  burst.sensor.gain = 32;
+  CLI::App* command = line.add("burst", "make noisy frames of a photograph",
+                               "burst photo.jpg --sensor-gain 32 -o frames", burst, run_burst);
+  command->add_option("PHOTO", burst.photograph, "PNG, JPEG or PPM")->required();
+  command->add_option("-o", burst.folder, "folder of the frames")->required();
+  command->add_option("--frames", burst.frames, "how many")
+      ->check(CLI::Range(1, 4))
+      ->capture_default_str();
+  command->add_option("--pix", burst.pixel, "nv12 or nv21")->capture_default_str();
+  add_sensor_options(command, burst.sensor, burst.seed);
+
+  DenoiseOptions denoise;
+  command = line.add("denoise", "merge one to four frames of a scene",
+                     "denoise frames/frame?_4000x3000.nv12 --thresh 20 --thresh-luma 20 -o out.png",
+                     denoise, run_denoise);
+  command->add_option("IN", denoise.inputs, "frames; the first is denoised unless --ref says so")
+      ->required();
+  command->add_option("-o", denoise.output, "result, by its extension; - for Y4M on stdout")
+      ->required();
+  command->add_flag("--smooth", denoise.settings.smooth, "smooth the chroma afterwards");
+  add_denoise_settings(command, denoise.settings);
+  add_raw_options(command, denoise.raw);
+
+  ViewOptions view;
+  command = line.add("view", "turn a frame into a picture, or one format into another",
+                     "view dump_4000x3000.nv21 -o dump.png", view, run_view);
+  command->add_option("IN", view.input, "frame")->required();
+  command->add_option("-o", view.output, "result, by its extension")->required();
+  add_raw_options(command, view.raw);
+
+  CompareOptions compare;
+  command = line.add("compare", "PSNR and SSIM of two frames, plane by plane",
+                     "compare clean.png out.png --min-psnr 30", compare, run_compare);
+  command->add_option("A", compare.a, "frame")->required();
+  command->add_option("B", compare.b, "frame of the same size")->required();
+  command->add_option("--min-psnr", compare.min_psnr, "exit status 1 where a plane is below (dB)");
+  command->add_option("--diff", compare.difference, "picture of the differences, eightfold");
+  add_raw_options(command, compare.raw);
+
+  InfoOptions info;
+  command = line.add("info", "the library, this processor, and what files hold",
+                     "info frame0_4000x3000.nv12", info, run_info);
+  command->add_option("FILE", info.inputs, "frames");
+  add_raw_options(command, info.raw);
+
+  DemoOptions demo;
+  demo.sensor.gain = 32;
+  demo.settings.thresh = 28;
+  demo.settings.thresh_luma = 40;
+  command = line.add("demo", "a noisy burst of a photograph made clean", "demo photo.jpg -o out",
+                     demo, run_demo);
+  command->add_option("PHOTO", demo.photograph, "photograph; without one, a packaged one");
+  command->add_option("-o", demo.folder, "folder of the results")->capture_default_str();
+  command->add_flag("--smooth", demo.settings.smooth, "smooth the chroma afterwards");
+  add_denoise_settings(command, demo.settings);
+  add_sensor_options(command, demo.sensor, demo.seed);
+
+  return line.main(argc, argv);
+}
+
+}  // namespace
+}  // namespace zavri::tools
+
+int main(int argc, char** argv) {
+  try {
+    return zavri::tools::run_program(argc, argv);
+  } catch (const zavri::tools::Error& error) {
+    std::fprintf(stderr, "zavri: %s\n", error.what());
+    return error.status;
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "zavri: %s\n", error.what());
+    return zavri::tools::kBadInput;
+  }
+}
