@@ -25,19 +25,20 @@ std::string order_in_name(const std::string& path) {
 
 const char* name_of(ChromaOrder order) { return order == ChromaOrder::kUv ? "nv12" : "nv21"; }
 
-// A size of this many bytes without padding: of the width asked for, or one that cameras have.
+// A size of this many bytes without padding: one that cameras have, or of the width asked for.
 std::string what_would_fit(const RawFormat& asked, size_t bytes) {
   constexpr int kSizes[][2] = {{640, 480},   {1280, 720},  {1920, 1080}, {2592, 1944}, {3264, 2448},
                                {3840, 2160}, {4000, 2250}, {4000, 3000}, {4032, 3024}, {4160, 3120},
                                {4208, 3120}, {4608, 3456}, {5312, 2988}, {5344, 4016}};
-  const size_t pixels = bytes / 3 * 2;
-  if (bytes % 3 == 0 && pixels % asked.width == 0 && pixels / asked.width % 2 == 0 && pixels > 0) {
-    return std::to_string(asked.width) + 'x' + std::to_string(pixels / asked.width);
-  }
   for (const auto& [width, height] : kSizes) {
     if (static_cast<size_t>(width) * height * 3 / 2 == bytes) {
       return std::to_string(width) + 'x' + std::to_string(height);
     }
+  }
+  const size_t width = static_cast<size_t>(asked.width);
+  const size_t height = bytes / 3 * 2 / width;
+  if (width * height * 3 / 2 == bytes && height % 2 == 0 && height > 0 && height <= 4 * width) {
+    return std::to_string(width) + 'x' + std::to_string(height);
   }
   return {};
 }

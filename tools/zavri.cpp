@@ -2,6 +2,7 @@
 #include <CLI/CLI.hpp>
 #include <cstdio>
 #include <functional>
+#include <map>
 
 #include "tools/commands/commands.h"
 #include "tools/error.h"
@@ -36,6 +37,7 @@ class CommandLine {
   }
 
   int main(int argc, char** argv) {
+    check_command(argc, argv);
     try {
       app_.parse(argc, argv);
     } catch (const CLI::Success& help) {
@@ -48,6 +50,18 @@ class CommandLine {
   }
 
  private:
+  // The parser would only say that a command is required.
+  void check_command(int argc, char** argv) {
+    const std::string first = argc > 1 ? argv[1] : "";
+    std::string names;
+    for (const CLI::App* command : app_.get_subcommands(nullptr)) {
+      if (command->get_name() == first) return;
+      names += (names.empty() ? "" : ", ") + command->get_name();
+    }
+    if (first.empty()) throw Error("a command is needed: " + names);
+    if (first[0] != '-') throw Error(first + ": no such command; there are " + names);
+  }
+
   CLI::App app_{"Camera post-processing on files: bursts, denoise, comparison.", "zavri"};
   Console console_;
   std::function<int()> run_;
@@ -74,21 +88,34 @@ void add_threshold(CLI::App* command, const char* name, int& value, const char* 
   command
       ->add_option_function<std::string>(
           name,
-          [&value](const std::string& text) {
-            value = text == "auto" ? 0 : CLI::Range(1, 100)(text).empty() ? std::stoi(text) : -1;
-            if (value < 0) throw CLI::ValidationError(text, "a threshold is 1..100 or auto");
+          [name, &value](const std::string& text) {
+            if (text != "auto" && !CLI::Range(1, 100)(text).empty()) {
+              throw CLI::ValidationError(std::string(name) + ' ' + text,
+                                         "a threshold is 1..100 or auto");
+            }
+            value = text == "auto" ? 0 : std::stoi(text);
           },
           what)
       ->type_name("N|auto");
 }
 
 void add_denoise_settings(CLI::App* command, DenoiseSettings& settings) {
-  const std::map<std::string, Merge> modes{{"whole", Merge::kWhole},
-                                           {"edges", Merge::kEdges},
-                                           {"edges-luma", Merge::kEdgesLuma},
-                                           {"chroma", Merge::kChroma}};
-  command->add_option("--mode", settings.merge, "whole, edges, edges-luma or chroma")
-      ->transform(CLI::Transformer(modes))
+  command
+      ->add_option_function<std::string>(
+          "--mode",
+          [&settings](const std::string& text) {
+            const std::map<std::string, Merge> modes{{"whole", Merge::kWhole},
+                                                     {"edges", Merge::kEdges},
+                                                     {"edges-luma", Merge::kEdgesLuma},
+                                                     {"chroma", Merge::kChroma}};
+            const auto found = modes.find(text);
+            if (found == modes.end()) {
+              throw CLI::ValidationError("--mode " + text,
+                                         "a mode is whole, edges, edges-luma or chroma");
+            }
+            settings.merge = found->second;
+          },
+          "whole, edges, edges-luma or chroma; the edges for a gain below 16")
       ->type_name("MODE");
   add_threshold(command, "--thresh", settings.thresh, "of chroma, scaled by the frame's size");
   add_threshold(command, "--thresh-luma", settings.thresh_luma, "of luma, scaled likewise");

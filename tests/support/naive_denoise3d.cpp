@@ -1,6 +1,7 @@
 #include "tests/support/naive_denoise3d.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdlib>
 #include <vector>
 
@@ -144,13 +145,8 @@ void Strip::run() {
                      static_cast<uint16_t>(p.uv_stride));
 }
 
-}  // namespace
-
-void naive_denoise_strip(const T_3DYuvDenoiseParam& param, int strip) {
-  Strip{param, strip}.run();
-}
-
-void naive_smooth_runs(uint8_t* plane, ptrdiff_t step, ptrdiff_t pairs) {
+// Smooths the runs among the `pairs` (U, V) pairs at plane[0], plane[step], ..
+void smooth_runs(uint8_t* plane, ptrdiff_t step, ptrdiff_t pairs) {
   ptrdiff_t end = 0;
   for (ptrdiff_t first = 0; first < pairs; first = end) {
     const int anchor[2] = {plane[first * step], plane[first * step + 1]};
@@ -167,9 +163,13 @@ void naive_smooth_runs(uint8_t* plane, ptrdiff_t step, ptrdiff_t pairs) {
   }
 }
 
+}  // namespace
+
+void naive_denoise_strip(const T_3DYuvDenoiseParam& param, int strip) { Strip{param, strip}.run(); }
+
 void naive_smooth_strip(uint8_t* plane, int width, int rows, int stride) {
-  naive_smooth_runs(plane, 2, (ptrdiff_t{rows} * stride + 1) / 2);
-  for (int x = 0; x < width; x += 2) naive_smooth_runs(plane + x, stride, rows);
+  smooth_runs(plane, 2, (ptrdiff_t{rows} * stride + 1) / 2);
+  for (int x = 0; x < width; x += 2) smooth_runs(plane + x, stride, rows);
 }
 
 }  // namespace zavri::testing

@@ -25,7 +25,7 @@ int outcome(PthreadCall call, int result) {
 }
 
 void note(const pthread_mutex_t* mutex, const char* event) {
-  if (mutex == g_watched.load()) __android_log_print(0, kWatchTag, "%s", event);
+  if (mutex != nullptr && mutex == g_watched) __android_log_print(0, kWatchTag, "%s", event);
 }
 
 }  // namespace
@@ -43,6 +43,7 @@ WatchMutex::~WatchMutex() { g_watched = nullptr; }
 
 }  // namespace zavri::testing
 
+using zavri::testing::g_watched;
 using zavri::testing::note;
 using zavri::testing::outcome;
 using zavri::testing::PthreadCall;
@@ -92,6 +93,7 @@ int __wrap_pthread_cond_init(pthread_cond_t* condition, const pthread_condattr_t
 }
 
 int __wrap_pthread_cond_destroy(pthread_cond_t* condition) {
+  note(g_watched, "destroy condition");
   return outcome(PthreadCall::kCondDestroy, __real_pthread_cond_destroy(condition));
 }
 }

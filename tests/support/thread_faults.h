@@ -26,8 +26,9 @@ class FailPthread {
 };
 
 // During its lifetime every call that locks, unlocks or destroys `mutex` is a line "lock", "unlock"
-// or "destroy" under kWatchTag in the captured log: "lock" while the mutex is already held,
-// "unlock" while it still is, each in its place between the library's own lines.
+// or "destroy" under kWatchTag in the captured log, in its place between the library's own lines:
+// "lock" while the mutex is already held, "unlock" while it still is. The destruction of any
+// condition variable is a line "destroy condition".
 class WatchMutex {
  public:
   explicit WatchMutex(pthread_mutex_t* mutex);

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <cstdlib>
 #include <filesystem>
 
 #include "tools/burst.h"
@@ -28,23 +29,19 @@ struct Part {
   int x, y, width, height;
 };
 
-// The part with the most contrast in its luma, where noise and detail are both to be seen.
+// The part with the most detail in its luma.
 Part busiest_part(const Frame& frame) {
   Part best{0, 0, std::min(kCropSide, frame.width), std::min(kCropSide, frame.height)};
-  double largest = -1;
+  int64_t most = -1;
   for (int y = 0; y + best.height <= frame.height; y += kCropSide / 2) {
     for (int x = 0; x + best.width <= frame.width; x += kCropSide / 2) {
-      double sum = 0;
-      double squares = 0;
-      double count = 0;
-      for (const uint8_t luma : frame.crop(x, y, best.width, best.height).luma) {
-        sum += luma;
-        squares += luma * luma;
-        ++count;
+      const Frame part = frame.crop(x, y, best.width, best.height);
+      int64_t detail = 0;
+      for (size_t i = 1; i < part.luma.size(); ++i) {
+        detail += std::abs(part.luma[i] - part.luma[i - 1]);
       }
-      const double variance = squares / count - sum / count * (sum / count);
-      if (variance <= largest) continue;
-      largest = variance;
+      if (detail <= most) continue;
+      most = detail;
       best.x = x;
       best.y = y;
     }

@@ -26,9 +26,9 @@ int run_denoise(const DenoiseOptions& options, const Console& console) {
   }
 
   const DenoiseResult result = denoise(frames, options.settings);
+  write_file(options.output, encode(result.frame, options.output));
   const std::string nothing_done = remark(result, options.settings, count);
   if (!nothing_done.empty()) console.say(nothing_done);
-  write_file(options.output, encode(result.frame, options.output));
   // stdout may be the output itself.
   if (options.output != "-") {
     console.print({{"output", options.output},

@@ -1,0 +1,81 @@
+#include "bench/summary.h"
+
+#include <algorithm>
+#include <cstdio>
+
+namespace zavri::bench {
+namespace {
+
+std::map<std::string, Expectation>& expectations() {
+  static std::map<std::string, Expectation> all;
+  return all;
+}
+
+double median(std::vector<double> values) {
+  std::sort(values.begin(), values.end());
+  return values[values.size() / 2];
+}
+
+// Groups in the order of their names, variants by name.
+using Groups = std::map<std::string, std::map<std::string, double>>;
+
+const char* verdict(bool met) { return met ? "ok" : "MISSED"; }
+
+void print_line(const std::string& group, const std::string& variant, double time,
+                const std::map<std::string, double>& variants, const Expectation& expectation) {
+  std::printf("%-34s %-9s %10.1f us", group.c_str(), variant.c_str(), 1e6 * time);
+  const auto ratio = [&](const char* to) {
+    const auto found = variants.find(to);
+    return found == variants.end() || variant == to ? 0.0 : found->second / time;
+  };
+  const double speed_up = ratio("plain");
+  const double touch = ratio("touch");
+  if (speed_up > 0) std::printf("  %6.2f x plain", speed_up);
+  if (touch > 0) std::printf("  %6.2f x the time of touch", 1 / touch);
+  const double floor = variant == "vector16"   ? expectation.floor16
+                       : variant == "vector32" ? expectation.floor32
+                                               : 0;
+  if (floor > 0) std::printf("  (at least %.1f x: %s)", floor, verdict(speed_up >= floor));
+  if (expectation.most_of_touch > 0 && touch > 0) {
+    std::printf("  (at most %.1f: %s)", expectation.most_of_touch,
+                verdict(1 / touch <= expectation.most_of_touch));
+  }
+  if (expectation.most_seconds > 0) {
+    std::printf("  (at most %.0f us: %s)", 1e6 * expectation.most_seconds,
+                verdict(time <= expectation.most_seconds));
+  }
+  std::printf("\n");
+}
+
+}  // namespace
+
+void Summary::expect(const std::string& group, const Expectation& expectation) {
+  expectations()[group] = expectation;
+}
+
+void Summary::ReportRuns(const std::vector<Run>& reports) {
+  ConsoleReporter::ReportRuns(reports);
+  for (const Run& run : reports) {
+    if (run.run_type != Run::RT_Iteration || run.error_occurred) continue;
+    const double seconds = run.real_accumulated_time / static_cast<double>(run.iterations);
+    seconds_[run.run_name.function_name].push_back(seconds);
+  }
+}
+
+void Summary::Finalize() {
+  Groups groups;
+  for (const auto& [name, seconds] : seconds_) {
+    const size_t slash = name.rfind('/');
+    groups[name.substr(0, slash)][name.substr(slash + 1)] = median(seconds);
+  }
+  std::printf("\nMedians and ratios of this run\n");
+  for (const auto& [group, variants] : groups) {
+    const auto found = expectations().find(group);
+    const Expectation expectation = found == expectations().end() ? Expectation{} : found->second;
+    for (const auto& [variant, time] : variants) {
+      print_line(group, variant, time, variants, expectation);
+    }
+  }
+}
+
+}  // namespace zavri::bench

@@ -1,0 +1,73 @@
+/* The public header as a C program sees it, and the shared object behind it. */
+#include <assert.h>
+#include <stdio.h>
+#include <string.h>
+
+#include "zavricustpro.h"
+
+/* The records' layout is fixed where pointers have 4 bytes. */
+#define ASSERT_OFFSET_32(type, field, offset) \
+  static_assert(sizeof(void*) != 4 || offsetof(type, field) == (offset), #type "." #field)
+
+static_assert(sizeof(T_GainThreshPoint) == 2, "T_GainThreshPoint");
+static_assert(offsetof(T_GainThreshPoint, value) == 1, "T_GainThreshPoint.value");
+
+static_assert(offsetof(T_3DYuvDenoiseParam, ref_index) == 0, "ref_index");
+static_assert(offsetof(T_3DYuvDenoiseParam, frame_num) == 1, "frame_num");
+static_assert(offsetof(T_3DYuvDenoiseParam, switch_a) == 2, "switch_a");
+static_assert(offsetof(T_3DYuvDenoiseParam, switch_b) == 3, "switch_b");
+static_assert(offsetof(T_3DYuvDenoiseParam, switch_c) == 4, "switch_c");
+static_assert(offsetof(T_3DYuvDenoiseParam, thresh_tune) == 5, "thresh_tune");
+static_assert(offsetof(T_3DYuvDenoiseParam, switch_d) == 6, "switch_d");
+static_assert(offsetof(T_3DYuvDenoiseParam, gain) == 7, "gain");
+static_assert(offsetof(T_3DYuvDenoiseParam, width) == 8, "width");
+static_assert(offsetof(T_3DYuvDenoiseParam, height) == 12, "height");
+static_assert(offsetof(T_3DYuvDenoiseParam, y_stride) == 16, "y_stride");
+static_assert(offsetof(T_3DYuvDenoiseParam, uv_stride) == 20, "uv_stride");
+static_assert(offsetof(T_3DYuvDenoiseParam, uv_offset) == 28, "uv_offset");
+static_assert(offsetof(T_3DYuvDenoiseParam, thresh) == 32, "thresh");
+static_assert(offsetof(T_3DYuvDenoiseParam, thresh_table_len) == 33, "thresh_table_len");
+ASSERT_OFFSET_32(T_3DYuvDenoiseParam, thresh_table, 36);
+ASSERT_OFFSET_32(T_3DYuvDenoiseParam, threshY, 40);
+ASSERT_OFFSET_32(T_3DYuvDenoiseParam, threshY_table_len, 41);
+ASSERT_OFFSET_32(T_3DYuvDenoiseParam, threshY_table, 44);
+ASSERT_OFFSET_32(T_3DYuvDenoiseParam, frame_y, 48);
+static_assert(sizeof(void*) != 4 || sizeof(T_3DYuvDenoiseParam) == 64, "T_3DYuvDenoiseParam");
+
+static_assert(offsetof(T_ThreadPoolTaskInput, pIn0) == 0, "pIn0");
+static_assert(offsetof(T_ThreadPoolTaskInput, pOut) == sizeof(void*), "pOut");
+static_assert(offsetof(T_ThreadPoolTaskInput, pIn1) == 2 * sizeof(void*), "pIn1");
+static_assert(sizeof(T_ThreadPoolTaskInput) == 3 * sizeof(void*), "T_ThreadPoolTaskInput");
+
+enum { kWidth = 8, kHeight = 8, kLuma = kWidth * kHeight, kFrame = kLuma * 3 / 2 };
+
+int main(void) {
+  uint8_t frame[kFrame];
+  memset(frame, 100, sizeof frame);
+  /* One pair of each strip's single chroma row is 4 higher: the mean of the row's 4 pairs is 1
+   * higher. */
+  for (int row = 0; row < 4; ++row) frame[kLuma + row * kWidth] = 104;
+
+  T_3DYuvDenoiseParam param = {0};
+  param.frame_num = 1;
+  param.switch_d = 1;
+  param.thresh = 2;
+  param.width = kWidth;
+  param.height = kHeight;
+  param.y_stride = kWidth;
+  param.uv_stride = kWidth;
+  param.uv_offset = kLuma;
+  param.frame_y[0] = frame;
+  if (zavri_mp_3D_YUV_denoise(&param) != 0) return 1;
+
+  for (int i = 0; i < kFrame; ++i) {
+    const int expected = i >= kLuma && i % 2 == 0 ? 101 : 100;
+    if (frame[i] != expected) {
+      fprintf(stderr, "byte %d is %d, not %d\n", i, frame[i], expected);
+      return 1;
+    }
+  }
+  if (g_threadpool == NULL || g_hal_threadpool_init != 1) return 1;
+  if (HALThreadPoolDestroy() != 0 || g_threadpool != NULL) return 1;
+  return 0;
+}

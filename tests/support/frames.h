@@ -1,0 +1,41 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <ostream>
+#include <vector>
+
+#include "include/zavricustpro.h"
+
+// Beside the record, where the test framework finds it.
+std::ostream& operator<<(std::ostream& out, const T_3DYuvDenoiseParam& param);
+
+namespace zavri::testing {
+
+// Four frames and the record that describes them, with room in front and behind for sections that
+// run past a frame. Copies own their frames.
+class Frames {
+ public:
+  T_3DYuvDenoiseParam param{};
+
+  // `gap` bytes lie between the planes; without them luma rows may run into the chroma plane.
+  Frames(uint32_t width, uint32_t height, uint32_t y_stride, uint32_t uv_stride, uint32_t gap);
+  Frames(const Frames& other);
+  Frames& operator=(const Frames&) = delete;
+
+  const std::vector<uint8_t>& bytes(int k) const { return bytes_[k]; }
+  size_t size() const;
+
+  void set(int k, std::vector<uint8_t> bytes);
+  void fill(int k, uint8_t luma, uint8_t chroma);
+  uint8_t& luma(int k, ptrdiff_t row, ptrdiff_t column) const;
+  uint8_t& chroma(int k, ptrdiff_t row, ptrdiff_t column) const;
+
+ private:
+  std::vector<uint8_t> bytes_[4];
+};
+
+// One strip in the calling thread.
+void run_strip(const T_3DYuvDenoiseParam& param, int32_t strip);
+
+}  // namespace zavri::testing

@@ -1,0 +1,382 @@
+// The program: its parts, and each command as a user runs it.
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+#include <zavricustpro.h>
+
+#include <cmath>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <nlohmann/json.hpp>
+
+#include "tests/support/samples.h"
+#include "tools/error.h"
+#include "tools/frame_io.h"
+#include "tools/metrics.h"
+#include "tools/noise.h"
+
+namespace zavri::tools {
+namespace {
+
+using testing::Random;
+namespace fs = std::filesystem;
+
+struct Outcome {
+  int status;
+  std::string out;
+  std::string err;
+};
+
+// A folder of its own for each test, and the program run in it.
+class Zavri : public ::testing::Test {
+ protected:
+  Zavri() : folder_(fs::temp_directory_path() / ("zavri_test" + std::to_string(getpid()))) {
+    fs::remove_all(folder_);
+    fs::create_directories(folder_);
+  }
+  ~Zavri() override { fs::remove_all(folder_); }
+
+  Outcome run(const std::string& arguments) {
+    const std::string command = "cd '" + folder_.string() + "' && " ZAVRI_COMMAND " " + arguments +
+                                (arguments.find('>') == std::string::npos ? " >stdout.txt" : "") +
+                                " 2>stderr.txt";
+    const int status = system(command.c_str());
+    const auto text = [&](const char* name) {
+      std::ifstream in(folder_ / name);
+      return std::string(std::istreambuf_iterator<char>(in), {});
+    };
+    return {WEXITSTATUS(status), text("stdout.txt"), text("stderr.txt")};
+  }
+
+  // photo.png and, made of it, clean and frame0 to frame3.
+  void make_burst_files(int width, int height);
+
+  std::string path(const std::string& name) const { return folder_ / name; }
+
+  // Everything in the folder but the two streams.
+  std::vector<std::string> files() const {
+    std::vector<std::string> names;
+    for (const auto& entry : fs::recursive_directory_iterator(folder_)) {
+      const std::string name = fs::relative(entry.path(), folder_);
+      if (entry.is_regular_file() && name != "stdout.txt" && name != "stderr.txt") {
+        names.push_back(name);
+      }
+    }
+    std::sort(names.begin(), names.end());
+    return names;
+  }
+
+  fs::path folder_;
+};
+
+Frame random_frame(int width, int height, unsigned seed) {
+  Random random(seed);
+  Frame frame(width, height);
+  for (auto& byte : frame.luma) byte = static_cast<uint8_t>(random());
+  for (auto& byte : frame.chroma) byte = static_cast<uint8_t>(random());
+  return frame;
+}
+
+// A smooth scene, as a photograph is.
+Picture gradient(int width, int height) {
+  Picture picture(width, height);
+  for (int y = 0; y < height; ++y) {
+    for (int x = 0; x < width; ++x) {
+      uint8_t* const rgb = &picture.rgb[3 * (static_cast<size_t>(y) * width + x)];
+      rgb[0] = static_cast<uint8_t>(40 + 180 * x / width);
+      rgb[1] = static_cast<uint8_t>(60 + 150 * y / height);
+      rgb[2] = static_cast<uint8_t>(90 + 60 * (x + y) / (width + height));
+    }
+  }
+  return picture;
+}
+
+void Zavri::make_burst_files(int width, int height) {
+  write_file(path("photo.png"), encode(gradient(width, height), "photo.png"));
+  const Outcome outcome = run("burst photo.png -o .");
+  ASSERT_EQ(outcome.status, kDone) << outcome.err;
+}
+
+std::string error_of(const std::string& path, const RawOptions& options, size_t bytes) {
+  try {
+    raw_format(path, options, bytes);
+  } catch (const Error& error) {
+    return error.what();
+  }
+  return "";
+}
+
+TEST(RawFormat, ComesFromTheNameOrTheOptions) {
+  struct {
+    const char* path;
+    RawOptions options;
+    size_t bytes;
+    RawFormat expected;
+  } const kCases[] = {
+      {"a/dump_4000x2250.nv21", {}, 13500000, {4000, 2250, ChromaOrder::kVu, 4000, 2250}},
+      {"4000x2250_dump.nv12", {}, 13500000, {4000, 2250, ChromaOrder::kUv, 4000, 2250}},
+      {"x_64x32.yuv", {"", "nv21"}, 3072, {64, 32, ChromaOrder::kVu, 64, 32}},
+      {"x_64x32.yuv", {"32x64", ""}, 3072, {32, 64, ChromaOrder::kUv, 32, 64}},
+      {"dump.yuv", {"64x32", "nv12", 80, 48}, 5760, {64, 32, ChromaOrder::kUv, 80, 48}},
+  };
+  for (const auto& c : kCases) {
+    SCOPED_TRACE(c.path);
+    const RawFormat format = raw_format(c.path, c.options, c.bytes);
+    EXPECT_EQ(format.width, c.expected.width);
+    EXPECT_EQ(format.height, c.expected.height);
+    EXPECT_EQ(format.order, c.expected.order);
+    EXPECT_EQ(format.stride, c.expected.stride);
+    EXPECT_EQ(format.scanlines, c.expected.scanlines);
+  }
+}
+
+TEST(RawFormat, RefusalsSayWhatWouldBeRight) {
+  struct {
+    const char* path;
+    RawOptions options;
+    size_t bytes;
+    const char* part;
+  } const kCases[] = {
+      {"dump_4000x3000.nv12", {}, 13500000, "13500000 bytes is 4000x2250 nv12"},
+      {"dump_100x100.nv21", {}, 3110400, "3110400 bytes is 1920x1080 nv21"},
+      {"dump_64x32.nv12", {}, 3071, "the file has 3071"},
+      {"dump.nv12", {}, 3072, "--size WxH"},
+      {"dump.nv12", {"64", ""}, 3072, "--size 64: a size is WxH"},
+      {"dump.nv12", {"63x32", ""}, 3072, "both even"},
+      {"dump.nv12", {"0x32", ""}, 3072, "--size 0x32"},
+      {"dump_64x32.nv12", {"", "p010"}, 3072, "--pix p010: the formats are nv12 and nv21"},
+      {"dump_64x32.nv12", {"", "", 60}, 3072, "--stride 60: at least the width, 64"},
+      {"dump_64x32.nv12", {"", "", 64, 30}, 3072, "--scanlines 30"},
+  };
+  for (const auto& c : kCases) {
+    EXPECT_NE(error_of(c.path, c.options, c.bytes).find(c.part), std::string::npos)
+        << c.path << ": " << error_of(c.path, c.options, c.bytes);
+  }
+}
+
+TEST(Metrics, AgreeWithHandComputedValues) {
+  Frame a(16, 16);
+  Frame b(16, 16);
+  std::fill(a.luma.begin(), a.luma.end(), 100);
+  std::fill(b.luma.begin(), b.luma.end(), 110);
+  b.chroma[0] = 16;  // one U of 64
+  const std::vector<PlaneDifference> planes = compare(a, b);
+  EXPECT_NEAR(planes[0].psnr, 10 * std::log10(255.0 * 255 / 100), 1e-9);
+  EXPECT_EQ(planes[0].largest, 10);
+  // Flat windows: only the means count.
+  EXPECT_NEAR(planes[0].ssim, (2 * 100 * 110 + 6.5025) / (100 * 100 + 110 * 110 + 6.5025), 1e-9);
+  EXPECT_NEAR(planes[1].psnr, 10 * std::log10(255.0 * 255 / (256.0 / 64)), 1e-9);
+  EXPECT_LT(planes[1].ssim, 1);
+  EXPECT_TRUE(std::isinf(planes[2].psnr));
+  EXPECT_EQ(planes[2].ssim, 1);
+
+  // One window of known variances: a ramp against its half.
+  Frame ramp(8, 8);
+  Frame half(8, 8);
+  for (int i = 0; i < 64; ++i) {
+    ramp.luma[i] = static_cast<uint8_t>(4 * (i % 8));
+    half.luma[i] = static_cast<uint8_t>(2 * (i % 8));
+  }
+  const double variance = 16 * 5.25;  // of 0, 4 .. 28
+  EXPECT_NEAR(compare(ramp, half)[0].ssim,
+              (2 * 14 * 7 + 6.5025) * (2 * variance / 2 + 58.5225) /
+                  ((14 * 14 + 7 * 7 + 6.5025) * (variance * 1.25 + 58.5225)),
+              1e-9);
+}
+
+// Mean and variance of the draws in linear light, where the sensor does not clip.
+TEST(Noise, FollowsTheSensorsPhotonsAndReadOut) {
+  for (const double gain : {1.0, 8.0, 64.0}) {
+    Sensor sensor;
+    sensor.gain = gain;
+    const SensorNoise noise(sensor);
+    for (const int value : {90, 128, 170}) {
+      SCOPED_TRACE(::testing::Message() << "gain " << gain << " value " << value);
+      const double photons = linear_from_srgb(value) * sensor.white();
+      double sum = 0;
+      double squares = 0;
+      for (int i = 0; i < SensorNoise::kDraws; ++i) {
+        const float drawn = noise.draws(static_cast<uint8_t>(value))[i];
+        const double electrons = linear_from_srgb(drawn) * sensor.white();
+        sum += electrons;
+        squares += electrons * electrons;
+      }
+      const double mean = sum / SensorNoise::kDraws;
+      const double variance = squares / SensorNoise::kDraws - mean * mean;
+      EXPECT_NEAR(mean, photons, 0.01 * photons);
+      EXPECT_NEAR(variance, photons + 9, 0.04 * (photons + 9));
+    }
+  }
+}
+
+TEST(Noise, DiffersFromFrameToFrameAndRepeatsWithItsSeed) {
+  const Picture picture = gradient(64, 48);
+  Sensor sensor;
+  sensor.gain = 32;
+  const SensorNoise noise(sensor);
+  const Frame frame = capture(picture, noise, 5, 0);
+  EXPECT_EQ(frame.luma, capture(picture, noise, 5, 0).luma);
+  EXPECT_NE(frame.luma, capture(picture, noise, 5, 1).luma);
+  EXPECT_NE(frame.luma, capture(picture, noise, 6, 0).luma);
+}
+
+TEST_F(Zavri, LosslessFormatsKeepEveryByte) {
+  const Frame frame = random_frame(30, 18, 1);
+  for (const char* name : {"a_30x18.nv12", "a_30x18.nv21", "a_30x18.yuv", "a.y4m"}) {
+    write_file(path(name), encode(frame, name));
+    const Frame loaded = load_frame(path(name), {}).with_u_first();
+    EXPECT_EQ(loaded.luma, frame.luma) << name;
+    EXPECT_EQ(loaded.chroma, frame.chroma) << name;
+  }
+  const Picture picture = gradient(30, 18);
+  for (const char* name : {"a.png", "a.ppm"}) {
+    write_file(path(name), encode(picture, name));
+    EXPECT_EQ(load_picture(path(name)).rgb, picture.rgb) << name;
+  }
+  // Through RGB and back a frame moves by rounding alone.
+  const Frame smooth = to_frame(picture);
+  EXPECT_GT(compare(smooth, to_frame(to_picture(smooth)))[0].psnr, 45);
+}
+
+// The four strips by hand, luma and chroma kept apart: at this height the last strip's luma rows
+// reach past their plane.
+TEST_F(Zavri, DenoisesAsTheLibrarysStripsDo) {
+  constexpr int kWidth = 2000;
+  constexpr int kHeight = 1500;  // three megapixels: thresholds are scaled to 30 %
+  constexpr size_t kLuma = size_t{kWidth} * kHeight;
+  constexpr size_t kGap = 4 * kWidth;
+  make_burst_files(kWidth, kHeight);
+  const Outcome outcome =
+      run("denoise frame0_2000x1500.nv12 frame1_2000x1500.nv12 frame2_2000x1500.nv12 "
+          "--ref 1 --thresh 60 --thresh-luma 90 --smooth --json -o out_2000x1500.nv12");
+  ASSERT_EQ(outcome.status, kDone) << outcome.err;
+  const auto report = nlohmann::json::parse(outcome.out);
+  EXPECT_EQ(report["thresh"], 18);
+  EXPECT_EQ(report["threshY"], 27);
+
+  T_3DYuvDenoiseParam param{};
+  std::vector<Bytes> frames(3);
+  for (size_t k = 0; k < frames.size(); ++k) {
+    frames[k] = read_file(path("frame" + std::to_string(k) + "_2000x1500.nv12"));
+    frames[k].insert(frames[k].begin() + kLuma, kGap, 0);
+    param.frame_y[k] = frames[k].data();
+  }
+  param.ref_index = 1;
+  param.frame_num = 3;
+  param.switch_a = param.switch_d = param.thresh_tune = 1;
+  param.width = param.y_stride = param.uv_stride = kWidth;
+  param.height = kHeight;
+  param.uv_offset = kLuma + kGap;
+  param.thresh = 18;
+  param.threshY = 27;
+  for (int32_t strip = 0; strip < 4; ++strip) {
+    zavri_mp_3D_YUV_denoise_inner(&strip, &param, nullptr);
+  }
+  Bytes& expected = frames[1];
+  expected.erase(expected.begin() + kLuma, expected.begin() + kLuma + kGap);
+  EXPECT_TRUE(read_file(path("out_2000x1500.nv12")) == expected);
+}
+
+TEST_F(Zavri, BadInputIsOneLineStatusTwoAndNoFile) {
+  make_burst_files(64, 48);
+  write_file(path("bad.png"), {1, 2, 3});
+  write_file(path("short.y4m"), encode(random_frame(8, 8, 1), "a.y4m"));
+  fs::resize_file(path("short.y4m"), 60);
+  const std::vector<std::string> before = files();
+  struct {
+    const char* arguments;
+    const char* part;
+  } const kCases[] = {
+      {"", "a command is needed: burst"},
+      {"sharpen a b", "sharpen: no such command"},
+      {"denoise frame0_64x48.nv12 --smooth", "-o"},
+      {"denoise frame0_64x48.nv12 -o out.png", "--smooth"},
+      {"denoise frame0_64x48.nv12 frame1_64x48.nv12 --ref 2 -o out.png", "--ref 2"},
+      {"denoise frame0_64x48.nv12 frame1_64x48.nv12 --thresh 101 -o out.png", "1..100 or auto"},
+      {"denoise frame0_64x48.nv12 frame1_64x48.nv12 --mode best -o out.png", "--mode"},
+      {"denoise frame0_64x48.nv12 frame1_64x48.nv12 --gain 256 -o out.png", "--gain"},
+      {"denoise frame0_64x48.nv12 photo.png missing.png -o out.png", "missing.png"},
+      {"denoise frame0_64x48.nv12 frame1_64x48.nv12 -o out.gif", ".png, .jpg"},
+      {"denoise frame0_64x48.nv12 frame1_64x48.nv12 -o none/out.png", "none/out.png"},
+      {"denoise frame0_64x48.nv12 frame1_64x48.nv12 --size 32x32 -o out.png", "bytes is 32x96"},
+      {"view bad.png -o out.png", "bad.png: not a PNG"},
+      {"view short.y4m -o out.png", "short.y4m: the stream ends within frame 0"},
+      {"view photo.png -o photo.png", "--force"},
+      {"compare photo.png frame0_64x48.nv12 --size 48x64", "cannot be compared"},
+      {"burst missing.jpg -o out", "missing.jpg"},
+      {"burst photo.png --pix rgb -o out", "nv12 and nv21"},
+      {"burst photo.png -o .", "--force"},
+  };
+  for (const auto& c : kCases) {
+    SCOPED_TRACE(c.arguments);
+    const Outcome outcome = run(c.arguments);
+    EXPECT_EQ(outcome.status, kBadInput);
+    EXPECT_EQ(outcome.out, "");
+    EXPECT_EQ(std::count(outcome.err.begin(), outcome.err.end(), '\n'), 1) << outcome.err;
+    EXPECT_NE(outcome.err.find(c.part), std::string::npos) << outcome.err;
+    EXPECT_EQ(files(), before);
+  }
+}
+
+TEST_F(Zavri, ComparesAndSaysByItsStatusWhatIsBelowTheLimit) {
+  make_burst_files(64, 48);
+  EXPECT_EQ(run("compare clean_64x48.nv12 clean_64x48.nv12 --min-psnr 99").status, kDone);
+  EXPECT_EQ(run("compare clean_64x48.nv12 frame0_64x48.nv12 --min-psnr 99").status, kBelowLimit);
+  const Outcome outcome =
+      run("compare clean_64x48.nv12 frame0_64x48.nv12 --json --diff difference.ppm");
+  ASSERT_EQ(outcome.status, kDone) << outcome.err;
+  const auto planes = nlohmann::json::parse(outcome.out)["planes"];
+  const auto expected =
+      compare(load_frame(path("clean_64x48.nv12"), {}), load_frame(path("frame0_64x48.nv12"), {}));
+  ASSERT_EQ(planes.size(), expected.size());
+  for (size_t i = 0; i < expected.size(); ++i) {
+    EXPECT_NEAR(planes[i]["PSNR"], expected[i].psnr, 0.006);
+    EXPECT_NEAR(planes[i]["SSIM"], expected[i].ssim, 0.00006);
+  }
+  EXPECT_EQ(load_picture(path("difference.ppm")).width, 64);
+}
+
+TEST_F(Zavri, ShowsTheLibrarysLinesAndRemarksOnIdleThresholds) {
+  make_burst_files(64, 48);
+  const std::string denoise =
+      "denoise frame0_64x48.nv12 frame1_64x48.nv12 --thresh 50 --force -o out.y4m ";
+  EXPECT_NE(run(denoise).err.find("below 2 megapixels they are scaled to 0"), std::string::npos);
+  const Outcome verbose = run(denoise + "--verbose --quiet");
+  EXPECT_EQ(verbose.out, "");
+  EXPECT_NE(verbose.err.find("E/ZVC: zavri-mp 3dyuv begin\n"), std::string::npos) << verbose.err;
+  EXPECT_NE(verbose.err.find("height:48, width:64, gain:16, thresh:0, threshY:0, num:2\n"),
+            std::string::npos)
+      << verbose.err;
+  EXPECT_NE(verbose.err.find("V/Defog: 4 threads created by the thread pool\n"), std::string::npos);
+  EXPECT_EQ(run(denoise + "--quiet").err, "");
+}
+
+TEST_F(Zavri, ReadsAndWritesStreams) {
+  make_burst_files(64, 48);
+  ASSERT_EQ(run("view clean_64x48.nv12 -o - >clean.y4m").status, kDone);
+  ASSERT_EQ(run("view - -o again_64x48.nv12 <clean.y4m").status, kDone);
+  EXPECT_EQ(read_file(path("again_64x48.nv12")), read_file(path("clean_64x48.nv12")));
+}
+
+TEST_F(Zavri, DemoWritesPicturesAndNumbersOfAnyPhotograph) {
+  write_file(path("photo.png"), encode(gradient(1801, 1203), "photo.png"));
+  const Outcome outcome = run("demo photo.png -o results --json");
+  ASSERT_EQ(outcome.status, kDone) << outcome.err;
+  const auto report = nlohmann::json::parse(outcome.out);
+  EXPECT_EQ(report["size"], "1800x1202");
+  // Two megapixels: 15 % of the thresholds asked for.
+  EXPECT_EQ(report["thresh"], 4);
+  EXPECT_EQ(report["threshY"], 6);
+  for (const auto& plane : report["denoise"]) {
+    EXPECT_GT(plane["PSNR after"], plane["PSNR before"]) << plane;
+    EXPECT_GT(plane["SSIM after"], plane["SSIM before"]) << plane;
+  }
+  const Frame before = load_frame(path("results/frame0_1800x1202.nv12"), {});
+  EXPECT_EQ(load_picture(path("results/before.png")).rgb, to_picture(before).rgb);
+  EXPECT_EQ(load_picture(path("results/crop.png")).width, 3 * 640);
+  EXPECT_EQ(run("info results/after.png").status, kDone);
+}
+
+}  // namespace
+}  // namespace zavri::tools
