@@ -23,7 +23,9 @@ std::vector<NamedFrame> name_frames(const BurstFrames& burst, const std::string&
   const std::string end = '_' + burst.clean.size() + '.' + pixel;
   std::vector<NamedFrame> named{{folder + "/clean" + end, &burst.clean}};
   for (size_t k = 0; k < burst.noisy.size(); ++k) {
-    named.push_back({folder + "/frame" + std::to_string(k) + end, &burst.noisy[k]});
+    std::string path = folder + "/frame";
+    path += std::to_string(k) + end;
+    named.push_back({path, &burst.noisy[k]});
   }
   return named;
 }

@@ -107,12 +107,10 @@ Samples plane_of(const Frame& frame, int plane) {
 }  // namespace
 
 std::vector<PlaneDifference> compare(const Frame& a, const Frame& b) {
-  std::vector<PlaneDifference> planes;
-  const char* const names[] = {"Y", "U", "V"};
-  for (int plane = 0; plane < 3; ++plane) {
-    planes.push_back(compare_plane(names[plane], plane_of(a, plane), plane_of(b, plane)));
-  }
-  return planes;
+  const auto plane = [&](const char* name, int index) {
+    return compare_plane(name, plane_of(a, index), plane_of(b, index));
+  };
+  return {plane("Y", 0), plane("U", 1), plane("V", 2)};
 }
 
 }  // namespace zavri::tools

@@ -1,7 +1,8 @@
 #include "tools/raw_format.h"
 
+#include <algorithm>
+#include <cstdio>
 #include <filesystem>
-#include <regex>
 
 #include "tools/error.h"
 
@@ -10,12 +11,24 @@ namespace {
 
 constexpr int kLargestSide = 65534;
 
+// "4000x2250" at `at`, or nothing.
+std::string size_at(const std::string& text, size_t at) {
+  constexpr char kDigits[] = "0123456789";
+  const size_t x = text.find_first_not_of(kDigits, at);
+  if (x == at || x == std::string::npos || text[x] != 'x') return {};
+  const size_t end = std::min(text.find_first_not_of(kDigits, x + 1), text.size());
+  return end == x + 1 ? std::string() : text.substr(at, end - at);
+}
+
 std::string size_in_name(const std::string& path) {
   const std::string name = std::filesystem::path(path).filename();
-  static const std::regex pattern("_([0-9]+x[0-9]+)|([0-9]+x[0-9]+)_");
-  std::smatch match;
-  if (!std::regex_search(name, match, pattern)) return {};
-  return match[1].matched ? match[1] : match[2];
+  const std::string first = size_at(name, 0);
+  if (!first.empty() && name[first.size()] == '_') return first;
+  for (size_t at = name.find('_'); at != std::string::npos; at = name.find('_', at + 1)) {
+    const std::string size = size_at(name, at + 1);
+    if (!size.empty()) return size;
+  }
+  return {};
 }
 
 std::string order_in_name(const std::string& path) {
@@ -46,11 +59,11 @@ std::string what_would_fit(const RawFormat& asked, size_t bytes) {
 }  // namespace
 
 std::pair<int, int> parse_size(const std::string& text, const std::string& argument) {
-  static const std::regex pattern("([0-9]{1,5})x([0-9]{1,5})");
-  std::smatch match;
-  if (std::regex_match(text, match, pattern)) {
-    const int width = std::stoi(match[1]);
-    const int height = std::stoi(match[2]);
+  int width = 0;
+  int height = 0;
+  int used = 0;
+  const bool read = sscanf(text.c_str(), "%5dx%5d%n", &width, &height, &used) == 2;
+  if (read && static_cast<size_t>(used) == text.size()) {
     const bool even = width % 2 == 0 && height % 2 == 0;
     if (even && width > 0 && height > 0 && width <= kLargestSide && height <= kLargestSide) {
       return {width, height};

@@ -36,7 +36,7 @@ class CommandLine {
     return command;
   }
 
-  int main(int argc, char** argv) {
+  int parse_and_run(int argc, char** argv) {
     check_command(argc, argv);
     try {
       app_.parse(argc, argv);
@@ -188,7 +188,7 @@ int run_program(int argc, char** argv) {
   add_denoise_settings(command, demo.settings);
   add_sensor_options(command, demo.sensor, demo.seed);
 
-  return line.main(argc, argv);
+  return line.parse_and_run(argc, argv);
 }
 
 }  // namespace

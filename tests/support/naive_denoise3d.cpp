@@ -14,8 +14,8 @@ struct Strip {
   const ptrdiff_t width = p.width;
   const ptrdiff_t quarter = width / 4;
   const ptrdiff_t rows = number == 3 ? p.height / 2 - 3 * (p.height / 8) : p.height / 8;
-  const ptrdiff_t chroma =
-      ptrdiff_t{p.uv_offset} + number * static_cast<ptrdiff_t>(p.height / 8) * p.uv_stride;
+  const ptrdiff_t chroma = static_cast<ptrdiff_t>(p.uv_offset) +
+                           number * static_cast<ptrdiff_t>(p.height / 8) * p.uv_stride;
   const ptrdiff_t luma = number * static_cast<ptrdiff_t>(p.height / 4) * p.y_stride;
   uint8_t* const reference = p.frame_y[p.ref_index];
   std::vector<const uint8_t*> others = {};
@@ -55,7 +55,8 @@ void Strip::position(ptrdiff_t uv, ptrdiff_t y, int t, int w, Writes writes) {
     reference[uv + 1] = static_cast<uint8_t>(mean[1]);
   }
   if (writes == kChroma || std::abs(mean[2] - old[2]) >= w) return;
-  for (const ptrdiff_t at : {y, y + 1, y + p.y_stride, y + p.y_stride + 1}) {
+  const ptrdiff_t below = y + static_cast<ptrdiff_t>(p.y_stride);
+  for (const ptrdiff_t at : {y, y + 1, below, below + 1}) {
     reference[at] = static_cast<uint8_t>(mean[2]);
   }
 }
