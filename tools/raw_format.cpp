@@ -22,10 +22,10 @@ std::string size_at(const std::string& text, size_t at) {
 
 std::string size_in_name(const std::string& path) {
   const std::string name = std::filesystem::path(path).filename();
-  const std::string first = size_at(name, 0);
+  std::string first = size_at(name, 0);
   if (!first.empty() && name[first.size()] == '_') return first;
   for (size_t at = name.find('_'); at != std::string::npos; at = name.find('_', at + 1)) {
-    const std::string size = size_at(name, at + 1);
+    std::string size = size_at(name, at + 1);
     if (!size.empty()) return size;
   }
   return {};
