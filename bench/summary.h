@@ -10,7 +10,7 @@ namespace zavri::bench {
 
 // What is expected of a group, as ratios of figures of one run; 0 expects nothing.
 struct Expectation {
-  double floor16 = 0;        // lowest speed-up over the plain rule, with 16-byte vectors
+  double floor16 = 0;        // speed-up over the plain rule, with 16-byte vectors
   double floor32 = 0;        // and with 32-byte ones
   double most_of_touch = 0;  // longest time over a loop that only touches the same bytes
   double most_seconds = 0;   // longest time as such

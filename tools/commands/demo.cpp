@@ -96,12 +96,11 @@ int run_demo(const DemoOptions& options, const Console& console) {
   if (!nothing_done.empty()) console.say(nothing_done);
 
   console.progress("writing pictures");
+  std::vector<NamedFrame> raw = name_frames(burst, options.folder, "nv12");
+  raw.push_back({folder + "denoised_" + before.size() + ".nv12", &result.frame});
+  for (const NamedFrame& frame : raw) check_output(frame.path, console.force);
   make_folder(options.folder);
-  for (const NamedFrame& frame : name_frames(burst, options.folder, "nv12")) {
-    write_file(frame.path, encode(*frame.frame, frame.path));
-  }
-  const std::string raw = folder + "denoised_" + before.size() + ".nv12";
-  write_file(raw, encode(result.frame, raw));
+  for (const NamedFrame& frame : raw) write_file(frame.path, encode(*frame.frame, frame.path));
   write_file(folder + "before.png", encode(before, "before.png"));
   write_file(folder + "after.png", encode(result.frame, "after.png"));
   write_file(folder + "crop.png",
