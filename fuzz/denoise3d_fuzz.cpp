@@ -1,6 +1,10 @@
 // The multi-frame denoise on records of every shape. The frames have exactly the room that
 // zavricustpro.h asks for, so that the address sanitizer sees the first byte outside.
+#if __has_include(<sanitizer/asan_interface.h>)
 #include <sanitizer/asan_interface.h>
+#else
+#define ASAN_POISON_MEMORY_REGION(from, size) ((void)(from), (void)(size))
+#endif
 
 #include <algorithm>
 #include <cstddef>

@@ -57,7 +57,6 @@ TEST(Denoise3dEntry, BuiltInCurveOverTheGain) {
 }
 
 TEST(Denoise3dEntry, CallersCurvesAndRequestedValues) {
-  const Points none;
   const Points one = {{8, 40}};
   const Points steep = {{4, 10}, {7, 200}, {200, 255}};
   const struct {
@@ -65,21 +64,23 @@ TEST(Denoise3dEntry, CallersCurvesAndRequestedValues) {
     uint8_t gain, requested;
     int expected;
   } kCases[] = {
-      {&one, 0, 0, 0},     {&one, 4, 0, 20},     {&one, 7, 0, 35},       {&one, 8, 0, 40},
-      {&one, 9, 0, 40},    {&steep, 3, 0, 7},    {&steep, 5, 0, 66 + 6}, {&steep, 6, 0, 136},
-      {&steep, 7, 0, 200}, {&steep, 8, 0, 199},  {&steep, 199, 0, 254},  {&steep, 255, 0, 255},
-      {&none, 20, 0, 16},  {nullptr, 20, 0, 16}, {nullptr, 20, 1, 1},    {&one, 20, 100, 100},
-      {&one, 20, 101, 40}, {&one, 20, 255, 40},  {nullptr, 20, 150, 16},
+      {&one, 0, 0, 0},      {&one, 4, 0, 20},       {&one, 7, 0, 35},       {&one, 8, 0, 40},
+      {&one, 9, 0, 40},     {&steep, 3, 0, 7},      {&steep, 5, 0, 66 + 6}, {&steep, 6, 0, 136},
+      {&steep, 7, 0, 200},  {&steep, 8, 0, 199},    {&steep, 199, 0, 254},  {&steep, 255, 0, 255},
+      {nullptr, 20, 0, 16}, {nullptr, 20, 1, 1},    {&one, 20, 100, 100},   {&one, 20, 101, 40},
+      {&one, 20, 255, 40},  {nullptr, 20, 150, 16},
   };
   for (const auto& c : kCases) {
     EXPECT_EQ(tuned(c.gain, c.requested, c.points), (Thresholds{c.expected, c.expected}))
         << "case " << &c - kCases;
   }
-  T_3DYuvDenoiseParam null_table = without_frames(5000, 4000);
-  null_table.thresh_tune = 1;
-  null_table.gain = 20;
-  null_table.thresh_table_len = 3;
-  EXPECT_EQ(after_call(null_table), (Thresholds{16, 0}));
+  // Points without a count, and a count without points, are no curve.
+  T_3DYuvDenoiseParam halves = without_frames(5000, 4000);
+  halves.thresh_tune = halves.switch_a = 1;
+  halves.gain = 20;
+  halves.thresh_table_len = 3;
+  halves.threshY_table = one.data();
+  EXPECT_EQ(after_call(halves), (Thresholds{16, 16}));
 }
 
 TEST(Denoise3dEntry, ScalesByMegapixels) {
