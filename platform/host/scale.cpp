@@ -1,0 +1,189 @@
+#include "platform/host/scale.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+
+#include "platform/host/scale_taps.h"
+
+namespace zavri {
+namespace {
+
+struct Free {
+  void operator()(void* block) const { free(block); }
+};
+
+// Arrays with one entry for each column, in one block of memory.
+class Columns {
+ public:
+  explicit Columns(uint32_t count) : count_((size_t{count} + kAlign - 1) / kAlign * kAlign) {
+    size_t bytes = 0;
+    void* block = nullptr;
+    if (!__builtin_mul_overflow(count_, kBytes, &bytes) &&
+        posix_memalign(&block, kAlign, bytes) == 0) {
+      block_.reset(block);
+    }
+  }
+
+  explicit operator bool() const { return block_ != nullptr; }
+
+  uint32_t* first() const { return static_cast<uint32_t*>(block_.get()); }
+  uint32_t* windows() const { return first() + count_; }
+  uint16_t* pairs() const { return array(0); }
+  int16_t* weights(uint32_t tap) const { return signed_array(2 + tap); }
+  uint16_t* pair_weights() const { return array(1); }
+  int16_t* sums(uint32_t row) const { return signed_array(2 + kTaps + row); }
+
+ private:
+  static constexpr size_t kAlign = 64;  // bytes and entries: no array shares a cache line
+  static constexpr size_t kTaps = 4;
+  static constexpr size_t kBytes = 2 * sizeof(uint32_t) + (2 + 2 * kTaps) * sizeof(uint16_t);
+
+  uint16_t* array(size_t index) const {
+    return reinterpret_cast<uint16_t*>(windows() + count_) + index * count_;
+  }
+
+  int16_t* signed_array(size_t index) const { return reinterpret_cast<int16_t*>(array(index)); }
+
+  size_t count_;
+  std::unique_ptr<void, Free> block_;
+};
+
+void copy(const Source& source, const Target& target) {
+  for (uint32_t y = 0; y < target.height; ++y) {
+    memcpy(target.row(y), source.row(y), target.width);
+  }
+}
+
+// In units of half samples, each position rounded down lies half a sample or less before the one
+// that contains it.
+uint32_t containing(const Positions& halves) {
+  return static_cast<uint32_t>((halves.floor() + 1) >> 1);
+}
+
+void scale_nearest(const Source& source, const Target& target, const Columns& columns) {
+  Positions along(source.width, target.width, 1);
+  for (uint32_t x = 0; x < target.width; ++x, along.advance()) {
+    columns.first()[x] = containing(along);
+  }
+  Positions across(source.height, target.height, 1);
+  for (uint32_t y = 0; y < target.height; ++y, across.advance()) {
+    const uint8_t* const from = source.row(containing(across));
+    uint8_t* const to = target.row(y);
+    for (uint32_t x = 0; x < target.width; ++x) to[x] = from[columns.first()[x]];
+  }
+}
+
+// Plans the lookups of samples that lie no wider than the source's.
+void plan_windows(const Columns& columns, uint32_t source_count, uint32_t count) {
+  const uint32_t* const first = columns.first();
+  const uint32_t last_window = source_count - static_cast<uint32_t>(kWindow);
+  for (uint32_t x = 0; x < count; x += kWindowOutputs) {
+    const uint32_t window = std::min(first[x], last_window);
+    columns.windows()[x / kWindowOutputs] = window;
+    const uint32_t end = std::min<uint32_t>(x + kWindowOutputs, count);
+    for (uint32_t i = x; i < end; ++i) {
+      columns.pairs()[i] = static_cast<uint16_t>((first[i] - window) * 0x101 + 0x100);
+    }
+  }
+}
+
+void plan_pair_weights(const Columns& columns, uint32_t count) {
+  constexpr int kWhole = 256;  // fits no byte: half of it twice
+  for (uint32_t x = 0; x < count; ++x) {
+    const int low = columns.weights(0)[x];
+    const int high = columns.weights(1)[x];
+    uint16_t& pair = columns.pairs()[x];
+    if (low == kWhole) pair = static_cast<uint16_t>((pair & 0xff) * 0x101);
+    if (high == kWhole) pair = static_cast<uint16_t>((pair >> 8) * 0x101);
+    columns.pair_weights()[x] =
+        static_cast<uint16_t>(low == kWhole || high == kWhole ? 0x8080 : low | high << 8);
+  }
+}
+
+template <class TapWalk>
+RowPlan plan_row(const Columns& columns, TapWalk walk, uint32_t from, uint32_t to) {
+  RowPlan plan{};
+  plan.count = to;
+  plan.source_count = from;
+  plan.first = columns.first();
+  for (uint32_t j = 0; j < TapWalk::kCount; ++j) plan.weights[j] = columns.weights(j);
+  for (uint32_t x = 0; x < to; ++x) {
+    const Taps taps = walk.next();
+    columns.first()[x] = taps.first;
+    for (uint32_t j = 0; j < TapWalk::kCount; ++j) columns.weights(j)[x] = taps.weights[j];
+  }
+  if (from >= kWindow && from <= to) {
+    plan_windows(columns, from, to);
+    if (TapWalk::kCount == 2) plan_pair_weights(columns, to);
+    plan.windows = columns.windows();
+    plan.pair_weights = columns.pair_weights();
+    plan.pairs = columns.pairs();
+  }
+  return plan;
+}
+
+// Every source row is filtered at most once: as many rows of sums as there are taps go round.
+template <class TapWalk>
+void scale_rows(const Source& source, const Target& target, const Columns& columns, Scheme scheme,
+                const TapWalk& along, TapWalk across) {
+  constexpr uint32_t kTaps = TapWalk::kCount;
+  const RowPlan plan = plan_row(columns, along, source.width, target.width);
+  const auto& kernel = scale_row_kernels().get(scheme);
+  uint32_t done = 0;  // rows before this one are filtered or not needed
+  for (uint32_t y = 0; y < target.height; ++y) {
+    const Taps taps = across.next();
+    const uint32_t end = std::min(taps.first + kTaps, source.height);
+    for (done = std::max(done, taps.first); done < end; ++done) {
+      kernel.filter(plan, source.row(done), columns.sums(done % kTaps));
+    }
+    const int16_t* rows[kTaps];
+    for (uint32_t j = 0; j < kTaps; ++j) {
+      // A row past the end weighs 0, any does.
+      rows[j] = columns.sums(std::min(taps.first + j, source.height - 1) % kTaps);
+    }
+    kernel.mix(rows, taps.weights, target.width, target.row(y));
+  }
+}
+
+void scale_linear(const Source& source, const Target& target, const Columns& columns) {
+  int bits_along = LinearTaps::bits_needed(source.width, target.width);
+  int bits_across = LinearTaps::bits_needed(source.height, target.height);
+  const bool is_short = bits_along + bits_across <= LinearTaps::kMostBits;
+  if (!is_short) bits_along = LinearTaps::kMostBits;
+  bits_across = is_short ? LinearTaps::kMostBits - bits_along : LinearTaps::kMostBits;
+  scale_rows(source, target, columns, is_short ? Scheme::kLinearShort : Scheme::kLinear,
+             LinearTaps(source.width, target.width, bits_along),
+             LinearTaps(source.height, target.height, bits_across));
+}
+
+void scale_spline(const Source& source, const Target& target, const Columns& columns) {
+  scale_rows(source, target, columns, Scheme::kSpline, SplineTaps(source.width, target.width),
+             SplineTaps(source.height, target.height));
+}
+
+}  // namespace
+
+bool scale(const Source& source, const Target& target, Interpolation interpolation) {
+  if (source.width == target.width && source.height == target.height) {
+    copy(source, target);
+    return true;
+  }
+  const Columns columns(target.width);
+  if (!columns) return false;
+  switch (interpolation) {
+    case Interpolation::kNearest:
+      scale_nearest(source, target, columns);
+      break;
+    case Interpolation::kLinear:
+      scale_linear(source, target, columns);
+      break;
+    case Interpolation::kSpline:
+      scale_spline(source, target, columns);
+      break;
+  }
+  return true;
+}
+
+}  // namespace zavri

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#include "platform/host/scale_rows.h"
+
+namespace zavri {
+
+template <class Byte>
+struct Plane {
+  Byte* data;
+  uint32_t width;
+  uint32_t height;
+  uint32_t stride;  // bytes
+
+  Byte* row(uint32_t y) const { return data + size_t{y} * stride; }
+};
+using Source = Plane<const uint8_t>;
+using Target = Plane<uint8_t>;
+
+enum class Interpolation { kNearest, kLinear, kSpline };
+
+// Scales a plane of at least one pixel to one of any size; equal sizes are copied. Needs memory
+// for a few rows and returns false, with nothing written, when there is none.
+bool scale(const Source& source, const Target& target, Interpolation interpolation);
+
+}  // namespace zavri

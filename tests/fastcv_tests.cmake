@@ -1,0 +1,19 @@
+# The portable scaler and Gaussian, in all builds of their kernels.
+add_executable(fastcv_test
+  fastcv_gaussian_test.cpp
+  fastcv_scale_test.cpp
+  scale_taps_test.cpp
+  support/samples.cpp
+  support/use_build.cpp)
+target_link_libraries(fastcv_test PRIVATE zavri_fastcv_objects GTest::gtest_main)
+target_link_options(fastcv_test PRIVATE
+  LINKER:--wrap=_ZN5zavri10best_buildEv LINKER:--wrap=posix_memalign)
+gtest_discover_tests(fastcv_test DISCOVERY_TIMEOUT 60)
+
+include(${PROJECT_SOURCE_DIR}/cmake/Peers.cmake)
+if(zavri_opencv_FOUND)
+  add_executable(fastcv_opencv_test fastcv_opencv_test.cpp)
+  target_include_directories(fastcv_opencv_test PRIVATE ${PROJECT_SOURCE_DIR})
+  target_link_libraries(fastcv_opencv_test PRIVATE zavri_fastcv GTest::gtest_main zavri_opencv)
+  gtest_discover_tests(fastcv_opencv_test DISCOVERY_TIMEOUT 60)
+endif()
