@@ -2,7 +2,8 @@
 
 set(kernel_sources
   denoise3d/chroma_runs.cpp
-  denoise3d/merge.cpp)
+  denoise3d/merge.cpp
+  resize/chroma_channels.cpp)
 
 set(library_sources
   denoise3d/denoise3d_strip.cpp
@@ -10,7 +11,9 @@ set(library_sources
   denoise3d/uv_run_smooth.cpp
   interface/denoise3d_entry.cpp
   interface/process_lock.cpp
+  interface/resize_entry.cpp
   interface/threshold_tuning.cpp
+  resize/resize_strip.cpp
   simd/builds.cpp
   threadpool/process_pool.cpp
   threadpool/thread_pool.cpp

@@ -88,6 +88,51 @@ ZAVRI_EXPORT uint32_t zavri_mp_3D_YUV_denoise(T_3DYuvDenoiseParam* param);
  * null. Strips of one frame may run at the same time. */
 ZAVRI_EXPORT void zavri_mp_3D_YUV_denoise_inner(const void* strip, const void* param, void* unused);
 
+/* Resize. */
+
+/* One enlargement of a frame. The planes of source and destination must not overlap.
+ *
+ * The frame is scaled in four strips, each by itself. With q = height/4, rounded up to even, strips
+ * 0..2 have q luma rows and strip 3 the rest, in source and destination alike. For heights that are
+ * multiples of 8 the strips show the same parts of the picture; otherwise the rows at their borders
+ * shift. A height of 6 leaves the last strip empty, and an empty strip scales to nothing.
+ *
+ * A height of 4 or 5, of source or destination, must not be used: three strips are higher than the
+ * frame, the last one's 16-bit height wraps to 65534 or 65535 rows, and the call runs that far
+ * behind the planes.
+ *
+ * Room. Luma: `height` rows of `stride` bytes, of which `width` are read or written. Chroma: whole
+ * rows, padding included, 2 * (stride * height / 4) bytes of either plane. For an odd height that
+ * is half a row more than height/2 rows. What the destination's chroma padding holds afterwards is
+ * not defined.
+ */
+typedef struct tagT_ResizeParam {
+  uint16_t scale_mode;   /* 0 polynomial, 1 bilinear; others are not refused: luma stays as it was,
+                            chroma becomes undefined */
+  uint16_t src_width;    /* pixels, even */
+  uint16_t src_height;   /* luma rows */
+  uint16_t src_stride;   /* bytes, of luma and of chroma, even, at least src_width */
+  const uint8_t* src_y;  /* luma */
+  const uint8_t* src_uv; /* chroma */
+  uint16_t dst_width;    /* the same of the destination, each at least the source's */
+  uint16_t dst_height;
+  uint16_t dst_stride;
+  uint16_t reserved; /* not used */
+  uint8_t* dst_y;
+  uint8_t* dst_uv;
+} T_ResizeParam;
+
+/* Scales the source frame into the destination, four strips in parallel on the library's pool, and
+ * blocks until they are done. Any thread may call; the heavy operations of a process run one at a
+ * time. Returns 0; 2 for a null record or plane, a size or stride of 0 or an odd width or stride;
+ * 1 when the destination's width, height or stride is below the source's. */
+ZAVRI_EXPORT uint32_t zavri_mp_resize_process(T_ResizeParam* param);
+
+/* One strip of it, shaped as a pool task: `strip` points to a T_ResizeParam with the strip's own
+ * heights and planes, the other arguments are ignored. Needs memory for the chroma of both strips,
+ * which must be had. Strips of one frame may run at the same time. */
+ZAVRI_EXPORT void zavri_mp_yuv_resize_inner(const void* strip, const void* unused0, void* unused1);
+
 /* Thread pool. */
 
 /* One run of a fan-out's task function: fn(pIn0, pIn1, pOut). Mind the order of the fields. */

@@ -34,6 +34,19 @@ ASSERT_OFFSET_32(T_3DYuvDenoiseParam, threshY_table, 44);
 ASSERT_OFFSET_32(T_3DYuvDenoiseParam, frame_y, 48);
 static_assert(sizeof(void*) != 4 || sizeof(T_3DYuvDenoiseParam) == 64, "T_3DYuvDenoiseParam");
 
+static_assert(offsetof(T_ResizeParam, scale_mode) == 0, "scale_mode");
+static_assert(offsetof(T_ResizeParam, src_width) == 2, "src_width");
+static_assert(offsetof(T_ResizeParam, src_height) == 4, "src_height");
+static_assert(offsetof(T_ResizeParam, src_stride) == 6, "src_stride");
+static_assert(offsetof(T_ResizeParam, src_y) == 8, "src_y");
+ASSERT_OFFSET_32(T_ResizeParam, src_uv, 12);
+ASSERT_OFFSET_32(T_ResizeParam, dst_width, 16);
+ASSERT_OFFSET_32(T_ResizeParam, dst_height, 18);
+ASSERT_OFFSET_32(T_ResizeParam, dst_stride, 20);
+ASSERT_OFFSET_32(T_ResizeParam, dst_y, 24);
+ASSERT_OFFSET_32(T_ResizeParam, dst_uv, 28);
+static_assert(sizeof(void*) != 4 || sizeof(T_ResizeParam) == 32, "T_ResizeParam");
+
 static_assert(offsetof(T_ThreadPoolTaskInput, pIn0) == 0, "pIn0");
 static_assert(offsetof(T_ThreadPoolTaskInput, pOut) == sizeof(void*), "pOut");
 static_assert(offsetof(T_ThreadPoolTaskInput, pIn1) == 2 * sizeof(void*), "pIn1");

@@ -1,0 +1,35 @@
+#include "tests/support/allocations.h"
+
+namespace zavri::testing {
+namespace {
+
+WatchAllocations* g_watch = nullptr;
+
+}  // namespace
+
+WatchAllocations::WatchAllocations(Outcome wanted) : outcome(wanted) { g_watch = this; }
+
+WatchAllocations::~WatchAllocations() { g_watch = nullptr; }
+
+}  // namespace zavri::testing
+
+using zavri::testing::g_watch;
+using zavri::testing::WatchAllocations;
+
+extern "C" {
+void* __real_malloc(size_t);
+void __real_free(void*);
+
+void* __wrap_malloc(size_t size) {
+  if (g_watch != nullptr) {
+    g_watch->sizes.push_back(size);
+    if (g_watch->outcome == WatchAllocations::Outcome::kFail) return nullptr;
+  }
+  return __real_malloc(size);
+}
+
+void __wrap_free(void* pointer) {
+  if (g_watch != nullptr && pointer != nullptr) ++g_watch->freed;
+  __real_free(pointer);
+}
+}

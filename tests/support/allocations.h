@@ -1,0 +1,25 @@
+#pragma once
+
+#include <cstddef>
+#include <vector>
+
+// The test executable wraps malloc and free at link time; calls from its own object files pass
+// here, those of shared libraries do not.
+namespace zavri::testing {
+
+// Records the calls during its lifetime, on any one thread.
+class WatchAllocations {
+ public:
+  enum class Outcome { kSucceed, kFail };
+
+  explicit WatchAllocations(Outcome outcome = Outcome::kSucceed);
+  ~WatchAllocations();
+  WatchAllocations(const WatchAllocations&) = delete;
+  WatchAllocations& operator=(const WatchAllocations&) = delete;
+
+  std::vector<size_t> sizes;  // asked for, in order
+  size_t freed = 0;           // calls of free with a pointer that is not null
+  const Outcome outcome;
+};
+
+}  // namespace zavri::testing
