@@ -304,6 +304,8 @@ TEST_F(Zavri, BadInputIsOneLineStatusTwoAndNoFile) {
       {"view short.y4m -o out.png", "short.y4m: the stream ends within frame 0"},
       {"view photo.png -o photo.png", "--force"},
       {"compare photo.png frame0_64x48.nv12 --size 48x64", "cannot be compared"},
+      {"resize photo.png --to 63x48 -o out.png", "--to"},
+      {"resize photo.png --to 128x96 --mode cubic -o out.png", "--mode"},
       {"burst missing.jpg -o out", "missing.jpg"},
       {"burst photo.png --pix rgb -o out", "nv12 and nv21"},
       {"burst photo.png -o .", "--force"},
@@ -352,6 +354,46 @@ TEST_F(Zavri, ShowsTheLibrarysLinesAndRemarksOnIdleThresholds) {
   EXPECT_EQ(run(denoise + "--quiet").err, "");
 }
 
+TEST_F(Zavri, ResizeIsTheLibrarysFrame) {
+  const Frame frame = random_frame(64, 48, 3);
+  write_file(path("in_64x48.nv12"), encode(frame, "in.nv12"));
+  const char* const modes[] = {"poly", "bilinear"};
+  for (uint16_t mode = 0; mode < 2; ++mode) {
+    Frame expected(98, 64);
+    T_ResizeParam param{};
+    param.scale_mode = mode;
+    param.src_width = param.src_stride = 64;
+    param.src_height = 48;
+    param.src_y = frame.luma.data();
+    param.src_uv = frame.chroma.data();
+    param.dst_width = param.dst_stride = 98;
+    param.dst_height = 64;
+    param.dst_y = expected.luma.data();
+    param.dst_uv = expected.chroma.data();
+    ASSERT_EQ(zavri_mp_resize_process(&param), 0u);
+    const Outcome outcome = run(std::string("resize in_64x48.nv12 --to 98x64 --force --mode ") +
+                                modes[mode] + " -o out_98x64.nv12");
+    ASSERT_EQ(outcome.status, kDone) << outcome.err;
+    EXPECT_EQ(outcome.err, "");
+    const Frame out = load_frame(path("out_98x64.nv12"), {});
+    EXPECT_EQ(out.luma, expected.luma) << modes[mode];
+    EXPECT_EQ(out.chroma, expected.chroma) << modes[mode];
+  }
+  EXPECT_NE(run("resize in_64x48.nv12 --to 98x66 --force -o out.png").err, "");
+}
+
+TEST_F(Zavri, ResizeRefusesWhatTheLibraryCannotDo) {
+  write_file(path("in_64x48.nv12"), encode(random_frame(64, 48, 3), "in.nv12"));
+  write_file(path("flat_64x4.nv12"), encode(random_frame(64, 4, 3), "in.nv12"));
+  for (const char* arguments : {"in_64x48.nv12 --to 62x48", "in_64x48.nv12 --to 64x46",
+                                "flat_64x4.nv12 --to 64x8", "flat_64x4.nv12 --to 64x4"}) {
+    const Outcome outcome = run(std::string("resize ") + arguments + " -o out.png");
+    EXPECT_EQ(outcome.status, kRefused) << arguments;
+    EXPECT_NE(outcome.err.find("library"), std::string::npos) << outcome.err;
+    EXPECT_FALSE(fs::exists(path("out.png")));
+  }
+}
+
 TEST_F(Zavri, ReadsAndWritesStreams) {
   make_burst_files(64, 48);
   ASSERT_EQ(run("view clean_64x48.nv12 -o - >clean.y4m").status, kDone);
@@ -375,6 +417,7 @@ TEST_F(Zavri, DemoWritesPicturesAndNumbersOfAnyPhotograph) {
   const Frame before = load_frame(path("results/frame0_1800x1202.nv12"), {});
   EXPECT_EQ(load_picture(path("results/before.png")).rgb, to_picture(before).rgb);
   EXPECT_EQ(load_picture(path("results/crop.png")).width, 3 * 640);
+  EXPECT_EQ(load_picture(path("results/resize.png")).width, 2 * 1800);
   EXPECT_EQ(run("info results/after.png").status, kDone);
 }
 

@@ -154,6 +154,20 @@ int run_program(int argc, char** argv) {
   add_denoise_settings(command, denoise.settings);
   add_raw_options(command, denoise.raw);
 
+  ResizeOptions resize;
+  command = line.add("resize", "enlarge a frame",
+                     "resize frame_1920x1080.nv12 --to 3840x2160 -o out.png", resize, run_resize);
+  command->add_option("IN", resize.input, "frame")->required();
+  command->add_option("-o", resize.output, "result, by its extension; - for Y4M on stdout")
+      ->required();
+  command->add_option("--to", resize.size, "WxH of the result, not below the input's")->required();
+  const std::map<std::string, Scaling> scalings{{"poly", Scaling::kPoly},
+                                                {"bilinear", Scaling::kBilinear}};
+  command->add_option("--mode", resize.scaling, "poly or bilinear")
+      ->transform(CLI::Transformer(scalings))
+      ->type_name("MODE");
+  add_raw_options(command, resize.raw);
+
   ViewOptions view;
   command = line.add("view", "turn a frame into a picture, or one format into another",
                      "view dump_4000x3000.nv21 -o dump.png", view, run_view);

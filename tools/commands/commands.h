@@ -8,6 +8,7 @@
 #include "tools/noise.h"
 #include "tools/raw_format.h"
 #include "tools/report.h"
+#include "tools/resize.h"
 
 // The commands of the program. Each has its options, filled in by the command line, and a function
 // that returns the exit status.
@@ -30,6 +31,15 @@ struct DenoiseOptions {
   DenoiseSettings settings;
 };
 int run_denoise(const DenoiseOptions& options, const Console& console);
+
+struct ResizeOptions {
+  std::string input;
+  std::string output;
+  RawOptions raw;
+  std::string size;  // WxH of the result
+  Scaling scaling = Scaling::kPoly;
+};
+int run_resize(const ResizeOptions& options, const Console& console);
 
 struct ViewOptions {
   std::string input;

@@ -15,6 +15,8 @@ constexpr char kDefaultPhotograph[] = "/usr/share/backgrounds/seeding_by_Clement
 constexpr int kFrames = 4;
 constexpr int kRuns = 7;
 constexpr int kCropSide = 640;
+constexpr int kResizeWidth = 1920;  // of the part that is enlarged, at most
+constexpr int kResizeHeight = 1080;
 
 std::string photograph_of(const DemoOptions& options) {
   if (!options.photograph.empty()) return options.photograph;
@@ -78,12 +80,57 @@ Report quality(const Frame& clean, const Frame& before, const Frame& after) {
   return table;
 }
 
+// Every sample the mean of four.
+Frame halved(const Frame& frame) {
+  Frame half(frame.width / 2, frame.height / 2, frame.order);
+  // Samples of one kind stand `step` bytes apart.
+  const auto reduce = [](const std::vector<uint8_t>& from, std::vector<uint8_t>& to, int width,
+                         size_t step) {
+    const auto stride = static_cast<size_t>(width) * step;
+    for (size_t i = 0; i < to.size(); ++i) {
+      const size_t row = i / stride;
+      const size_t column = i % stride;
+      const size_t at = row * 2 * 2 * stride + column / step * 2 * step + column % step;
+      to[i] = static_cast<uint8_t>(
+          (from[at] + from[at + step] + from[at + 2 * stride] + from[at + 2 * stride + step] + 2) /
+          4);
+    }
+  };
+  reduce(frame.luma, half.luma, half.width, 1);
+  reduce(frame.chroma, half.chroma, half.width / 2, 2);
+  return half;
+}
+
+// A part of the denoised frame, enlarged to twice its size; and what enlarging brings back of the
+// clean one that was halved.
+Report resize_step(const Frame& clean, const Frame& denoised, const std::string& folder) {
+  const int width = std::min(kResizeWidth, clean.width / 4 * 4);
+  const int height = std::min(kResizeHeight, clean.height / 16 * 16);
+  const auto middle = [&](const Frame& frame) {
+    return frame.crop((frame.width - width) / 4 * 2, (frame.height - height) / 4 * 2, width,
+                      height);
+  };
+  const ResizeResult twice = resize(middle(denoised), {2 * width, 2 * height}, kRuns);
+  write_file(folder + "resize.png", encode(twice.frame, "resize.png"));
+  const Frame whole = clean.crop(0, 0, clean.width / 4 * 4, clean.height / 16 * 16);
+  const Frame half = halved(whole);
+  const auto luma_psnr = [&](Scaling scaling) {
+    const Frame back = resize(half, {whole.width, whole.height, scaling}).frame;
+    return decimals(compare(whole, back).front().psnr, 2).dump();
+  };
+  return {{"operation", "resize"},
+          {"milliseconds", decimals(1e3 * twice.seconds, 1)},
+          {"picture", "resize.png"},
+          {"outcome", "half size enlarged back: luma PSNR " + luma_psnr(Scaling::kPoly) +
+                          ", bilinear " + luma_psnr(Scaling::kBilinear)}};
+}
+
 }  // namespace
 
 int run_demo(const DemoOptions& options, const Console& console) {
   const std::string photograph = photograph_of(options);
   const std::string folder = options.folder + '/';
-  for (const char* name : {"before.png", "after.png", "crop.png"}) {
+  for (const char* name : {"before.png", "after.png", "crop.png", "resize.png"}) {
     check_output(folder + name, console.force);
   }
   console.progress("making " + std::to_string(kFrames) + " noisy frames of " + photograph);
@@ -106,6 +153,8 @@ int run_demo(const DemoOptions& options, const Console& console) {
   write_file(folder + "crop.png",
              encode(side_by_side({&before, &result.frame, &burst.clean}, busiest_part(burst.clean)),
                     "crop.png"));
+  Report further = Report::array();
+  further.push_back(resize_step(burst.clean, result.frame, folder));
 
   console.print({{"photograph", photograph},
                  {"size", before.size()},
@@ -116,6 +165,7 @@ int run_demo(const DemoOptions& options, const Console& console) {
                  {"threshY", result.thresh_luma},
                  {"milliseconds", decimals(1e3 * result.seconds, 1)},
                  {"megapixels per second", decimals(before.megapixels() / result.seconds, 0)},
+                 {"further operations", further},
                  {"pictures", folder + "before.png after.png crop.png (before, after, clean)"}});
   return kDone;
 }
