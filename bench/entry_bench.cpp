@@ -1,12 +1,12 @@
 // The exported entry as a whole, on one and on two processors, and what its pool costs.
 #include <benchmark/benchmark.h>
-#include <sched.h>
 
 #include <chrono>
 #include <cstring>
 #include <memory>
 #include <string>
 
+#include "bench/fan_out.h"
 #include "bench/summary.h"
 #include "bench/touch.h"
 #include "bench/workload.h"
@@ -18,19 +18,8 @@ extern "C" int __android_log_print(int, const char*, const char*, ...) { return 
 namespace zavri::bench {
 namespace {
 
-constexpr int kStrips = 4;
 constexpr double kMostOfTouch = 2.5;
 constexpr double kMostPoolSeconds = 50e-6;
-
-// Restarts the pool with its threads, and this one, on the first `count` processors.
-void use_processors(int count) {
-  HALThreadPoolDestroy();
-  cpu_set_t set;
-  CPU_ZERO(&set);
-  for (int i = 0; i < count; ++i) CPU_SET(i, &set);
-  sched_setaffinity(0, sizeof set, &set);
-  HALThreadPoolInit();
-}
 
 struct Mode {
   const char* name;
@@ -99,17 +88,6 @@ void touch_strip(const void* strip, const void* param, void*) {
 }
 
 void do_nothing(const void*, const void*, void*) {}
-
-void fan_out(ThreadPoolTaskFunc function, const void* param) {
-  int32_t strips[kStrips];
-  T_ThreadPoolTaskInput inputs[kStrips];
-  for (int i = 0; i < kStrips; ++i) {
-    strips[i] = i;
-    inputs[i] = {&strips[i], nullptr, param};
-  }
-  ThreadPoolWorker worker(g_threadpool, kStrips, function, inputs);
-  worker.Work();
-}
 
 template <class Prepare, class Work>
 void add(const std::string& name, int processors, Prepare prepare, Work work) {

@@ -39,8 +39,10 @@ void print_line(const std::string& group, const std::string& variant, double tim
   };
   const double speed_up = ratio("plain");
   const double touch = ratio("touch");
+  const double peer = ratio("peer");
   if (speed_up > 0) std::printf("  %6.2f x plain", speed_up);
   if (touch > 0) std::printf("  %6.2f x the time of touch", 1 / touch);
+  if (peer > 0) std::printf("  %6.2f x the time of peer", 1 / peer);
   const double floor = variant == "vector16"   ? expectation.floor16
                        : variant == "vector32" ? expectation.floor32
                                                : 0;
@@ -50,6 +52,10 @@ void print_line(const std::string& group, const std::string& variant, double tim
   if (expectation.most_of_touch > 0 && touch > 0) {
     std::printf("  (at most %.1f: %s)", expectation.most_of_touch,
                 verdict(1 / touch <= expectation.most_of_touch));
+  }
+  if (peer > 0 && expectation.most_of_peer > 0) {
+    std::printf("  (at most %.1f: %s)", expectation.most_of_peer,
+                verdict(1 / peer <= expectation.most_of_peer));
   }
   if (expectation.most_seconds > 0) {
     std::printf("  (at most %.0f us: %s)", 1e6 * expectation.most_seconds,

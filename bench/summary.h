@@ -14,10 +14,11 @@ struct Expectation {
   double floor32 = 0;        // and with 32-byte ones
   double most_of_touch = 0;  // longest time over a loop that only touches the same bytes
   double most_seconds = 0;   // longest time as such
+  double most_of_peer = 0;   // longest time over another library that does the same
 };
 
 // The console's lines, and at the end a table of ratios. Benchmarks are named group/variant; the
-// variants "plain" and "touch" are what the others of their group are compared with.
+// variants "plain", "touch" and "peer" are what the others of their group are compared with.
 class Summary : public benchmark::ConsoleReporter {
  public:
   static void expect(const std::string& group, const Expectation& expectation);

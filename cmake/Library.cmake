@@ -14,7 +14,6 @@ set(library_sources
   interface/resize_entry.cpp
   interface/threshold_tuning.cpp
   resize/resize_strip.cpp
-  simd/builds.cpp
   threadpool/process_pool.cpp
   threadpool/thread_pool.cpp
   threadpool/thread_pool_worker.cpp)
@@ -69,6 +68,8 @@ function(zavri_set_link_options library map)
 endfunction()
 
 zavri_add_library_objects(zavri_objects)
+# In both libraries; a program may link the objects of both.
+zavri_add_objects(zavri_objects zavri_builds simd/builds.cpp)
 zavri_add_objects(zavri_objects zavri_operations ${library_sources})
 zavri_add_kernels(zavri_objects zavri_kernels ${kernel_sources})
 target_link_libraries(zavri_objects INTERFACE Threads::Threads zavri_fastcv)
@@ -88,12 +89,12 @@ endif()
 # The vendor's vision library. This one takes its place off the phone, and for an Android build it
 # is what the linker needs to see.
 zavri_add_library_objects(zavri_fastcv_objects)
+target_sources(zavri_fastcv_objects INTERFACE $<TARGET_OBJECTS:zavri_builds>)
 zavri_add_objects(zavri_fastcv_objects zavri_fastcv_functions
   platform/host/fastcv.cpp
   platform/host/gaussian.cpp
   platform/host/scale.cpp
-  platform/host/scale_taps.cpp
-  simd/builds.cpp)
+  platform/host/scale_taps.cpp)
 zavri_add_kernels(zavri_fastcv_objects zavri_fastcv_kernels
   platform/host/gaussian_rows.cpp
   platform/host/scale_rows.cpp)
