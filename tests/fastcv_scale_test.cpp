@@ -208,6 +208,25 @@ TEST(FastcvScale, RampStaysARampAwayFromTheEdges) {
   }
 }
 
+// Also for 256 and 512 columns, where all weights lie half way between two of 1/256.
+TEST(FastcvScale, MirroredPictureGivesTheMirroredResult) {
+  Random random(6);
+  for (const uint32_t width : {67, 200, 256, 512}) {
+    const TestPlane source = random_plane(random, {67, 3});
+    TestPlane mirrored = source;
+    for (uint32_t i = 0; i < 67 * 3; ++i) {
+      mirrored.bytes[i / 67 * source.stride + i % 67] = source.at(66 - i % 67, i / 67);
+    }
+    TestPlane result({width, 5}, 0);
+    TestPlane of_mirrored({width, 5}, 0);
+    ASSERT_EQ(scale(Way::kLinear, source, result), 0);
+    ASSERT_EQ(scale(Way::kLinear, mirrored, of_mirrored), 0);
+    for (uint32_t i = 0; i < width * 5; ++i) {
+      ASSERT_EQ(result.at(i % width, i / width), of_mirrored.at(width - 1 - i % width, i / width));
+    }
+  }
+}
+
 TEST(FastcvScale, EqualSizeCopies) {
   Random random(5);
   const TestPlane source = random_plane(random, {37, 11});
