@@ -1,11 +1,14 @@
 # The shared object, and the object files that tests and benchmarks link directly.
 
 set(kernel_sources
+  compose/decimate.cpp
   denoise3d/chroma_runs.cpp
   denoise3d/merge.cpp
   resize/chroma_channels.cpp)
 
 set(library_sources
+  compose/compose.cpp
+  compose/padding.cpp
   denoise3d/denoise3d_strip.cpp
   denoise3d/edge_sections.cpp
   denoise3d/uv_run_smooth.cpp

@@ -48,6 +48,24 @@ void run_uv_run_smooth(const GoldenCase& golden) {
   EXPECT_EQ(fnv1a(buffer), golden.hash());
 }
 
+void run_compose(const GoldenCase& golden) {
+  T_ComposeParam param{};
+  param.width = static_cast<uint16_t>(golden.number("width"));
+  param.height = static_cast<uint16_t>(golden.number("height"));
+  param.mode = golden.number("mode");
+  param.padding = static_cast<uint16_t>(golden.number("padding"));
+  GoldenCase frame = golden;
+  frame.values["size"] = std::to_string(param.width * param.height * 3 / 2);
+  const std::vector<uint8_t> source1 = golden_buffer(frame, 0);
+  const std::vector<uint8_t> source2 = golden_buffer(frame, 1);
+  std::vector<uint8_t> output = golden_buffer(golden, 2);
+  param.src_frame1 = source1.data();
+  param.src_frame2 = source2.data();
+  param.dst_frame = output.data() + golden.number("guard");
+  EXPECT_EQ(zavri_mp_compose_two_same_frame(&param), 0u);
+  EXPECT_EQ(fnv1a(output), golden.hash());
+}
+
 struct GoldenFile {
   const char* name;
   size_t cases;
@@ -55,6 +73,7 @@ struct GoldenFile {
 };
 
 constexpr GoldenFile kFiles[] = {
+    {"compose.txt", 40, run_compose},
     {"denoise3d.txt", 120, run_denoise3d},
     {"uv_run_smooth.txt", 40, run_uv_run_smooth},
 };

@@ -47,6 +47,15 @@ ASSERT_OFFSET_32(T_ResizeParam, dst_y, 24);
 ASSERT_OFFSET_32(T_ResizeParam, dst_uv, 28);
 static_assert(sizeof(void*) != 4 || sizeof(T_ResizeParam) == 32, "T_ResizeParam");
 
+static_assert(offsetof(T_ComposeParam, width) == 0, "width");
+static_assert(offsetof(T_ComposeParam, height) == 2, "height");
+static_assert(offsetof(T_ComposeParam, mode) == 4, "mode");
+static_assert(offsetof(T_ComposeParam, padding) == 8, "padding");
+ASSERT_OFFSET_32(T_ComposeParam, src_frame1, 12);
+ASSERT_OFFSET_32(T_ComposeParam, src_frame2, 16);
+ASSERT_OFFSET_32(T_ComposeParam, dst_frame, 20);
+static_assert(sizeof(void*) != 4 || sizeof(T_ComposeParam) == 24, "T_ComposeParam");
+
 static_assert(offsetof(T_ThreadPoolTaskInput, pIn0) == 0, "pIn0");
 static_assert(offsetof(T_ThreadPoolTaskInput, pOut) == sizeof(void*), "pOut");
 static_assert(offsetof(T_ThreadPoolTaskInput, pIn1) == 2 * sizeof(void*), "pIn1");

@@ -1,0 +1,138 @@
+#include "compose/padding.h"
+
+#include <cstring>
+
+#include "compose/decimate.h"
+
+namespace zavri {
+namespace {
+
+enum class Share { kNone, kHalf, kAll };
+
+// Shares of the padding that the bands of a row take:
+//
+//   | left | frame 1 | middle | frame 2 | right |
+struct Placement {
+  Share left;
+  Share middle;
+  Share right;
+};
+
+// By mode.
+constexpr Placement kPlacements[kPaddingModes] = {
+    {Share::kAll, Share::kNone, Share::kNone},
+    {Share::kNone, Share::kNone, Share::kAll},
+    {Share::kNone, Share::kAll, Share::kNone},
+    {Share::kHalf, Share::kNone, Share::kHalf},
+};
+
+struct Band {
+  size_t column;
+  size_t bytes;
+};
+
+// Columns of a row of the picture, the same for luma and chroma.
+struct RowLayout {
+  RowLayout(const T_ComposeParam& param, const Placement& placement);
+
+  Band left;
+  size_t frame1;
+  Band middle;
+  size_t frame2;
+  Band right;
+  size_t frame_bytes;  // written of each frame
+  size_t picture_row;  // how far writing a row moves on in the picture,
+  size_t source_row;   // and reading one in a source
+};
+
+RowLayout::RowLayout(const T_ComposeParam& param, const Placement& placement) {
+  const auto band_bytes = [&](Share share) -> size_t {
+    if (share == Share::kNone) return 0;
+    return share == Share::kAll ? param.padding : param.padding >> 1;
+  };
+  const size_t used = size_t{param.width} - param.padding;  // columns of a source
+  const size_t span = used / 2;
+  frame_bytes = used / 4 * 2;
+  left = {0, band_bytes(placement.left)};
+  frame1 = left.bytes;
+  middle = {frame1 + span, band_bytes(placement.middle)};
+  frame2 = middle.column + middle.bytes;
+  right = {frame2 + frame_bytes, band_bytes(placement.right)};
+  picture_row = right.column + right.bytes;
+  source_row = 2 * frame_bytes + param.padding;
+  // Too narrow for the frames: the bands alone, each in its own row and column.
+  if (frame_bytes == 0) {
+    right.column = frame2 + span;
+    picture_row = param.width;
+  }
+}
+
+void write_row(uint8_t* to, const RowLayout& layout, uint8_t black, const uint8_t* from1,
+               const uint8_t* from2, DecimateFunction decimate) {
+  for (const Band& band : {layout.left, layout.middle, layout.right}) {
+    memset(to + band.column, black, band.bytes);
+  }
+  decimate(to + layout.frame1, from1, layout.frame_bytes);
+  decimate(to + layout.frame2, from2, layout.frame_bytes);
+}
+
+}  // namespace
+
+// Of every four luma rows of a source the second and the fourth are taken, of every two chroma rows
+// the second. Positions run on from where the last row ended: for a width - padding that is not a
+// multiple of 4 that is short of the next row, and the picture slides.
+void fill_picture(const T_ComposeParam& param, uint32_t mode, uint8_t* luma, uint8_t* chroma) {
+  const DecimateKernels& decimate = decimate_kernels();
+  const RowLayout layout(param, kPlacements[mode]);
+  const size_t width = param.width;
+  const auto write = [&](uint8_t* to, size_t from, uint8_t black, DecimateFunction samples) {
+    write_row(to, layout, black, param.src_frame1 + from, param.src_frame2 + from, samples);
+  };
+  size_t luma_from = width;
+  size_t chroma_from = width * param.height + width;
+  for (int k = 0; k < param.height / 4; ++k) {
+    write(luma, luma_from, kBlackLuma, decimate.luma);
+    write(luma + width, luma_from + 2 * width, kBlackLuma, decimate.luma);
+    write(chroma, chroma_from, kBlackChroma, decimate.chroma);
+    luma += width + layout.picture_row;
+    chroma += layout.picture_row;
+    luma_from += 3 * width + layout.source_row;
+    chroma_from += width + layout.source_row;
+  }
+}
+
+bool fill_covers_picture(const T_ComposeParam& param, uint32_t mode) {
+  if (mode >= kPaddingModes || param.height % 4 != 0) return false;
+  const RowLayout layout(param, kPlacements[mode]);
+  const size_t bands = layout.left.bytes + layout.middle.bytes + layout.right.bytes;
+  return bands + 2 * layout.frame_bytes == param.width;
+}
+
+}  // namespace zavri
+
+namespace {
+
+// A scratch frame holds the chroma right behind the luma.
+void fill_scratch(const T_ComposeParam& param, uint32_t mode, uint8_t* scratch) {
+  const uint32_t pixels = uint32_t{param.width} * param.height;
+  zavri::fill_picture(param, mode, scratch, scratch + (pixels >> 1));
+}
+
+}  // namespace
+
+void zavri_mp_compose_two_same_frame_padding_left(const T_ComposeParam* param, uint8_t* scratch) {
+  fill_scratch(*param, zavri::kPaddingLeft, scratch);
+}
+
+void zavri_mp_compose_two_same_frame_padding_right(const T_ComposeParam* param, uint8_t* scratch) {
+  fill_scratch(*param, zavri::kPaddingRight, scratch);
+}
+
+void zavri_mp_compose_two_same_frame_padding_center(const T_ComposeParam* param, uint8_t* scratch) {
+  fill_scratch(*param, zavri::kPaddingCenter, scratch);
+}
+
+void zavri_mp_compose_two_same_frame_padding_left_right(const T_ComposeParam* param,
+                                                        uint8_t* scratch) {
+  fill_scratch(*param, zavri::kPaddingLeftRight, scratch);
+}
