@@ -4,7 +4,9 @@ set(kernel_sources
   compose/decimate.cpp
   denoise3d/chroma_runs.cpp
   denoise3d/merge.cpp
-  resize/chroma_channels.cpp)
+  resize/chroma_channels.cpp
+  rnr/blend.cpp
+  rnr/weights.cpp)
 
 set(library_sources
   compose/compose.cpp
@@ -17,6 +19,8 @@ set(library_sources
   interface/resize_entry.cpp
   interface/threshold_tuning.cpp
   resize/resize_strip.cpp
+  rnr/process.cpp
+  rnr/tables.cpp
   threadpool/process_pool.cpp
   threadpool/thread_pool.cpp
   threadpool/thread_pool_worker.cpp)

@@ -133,6 +133,41 @@ ZAVRI_EXPORT uint32_t zavri_mp_resize_process(T_ResizeParam* param);
  * which must be had. Strips of one frame may run at the same time. */
 ZAVRI_EXPORT void zavri_mp_yuv_resize_inner(const void* strip, const void* unused0, void* unused1);
 
+/* Radial noise reduction. */
+
+/* Blurs an 8-bit plane the more, the farther from its centre, in 12 tiles: the outer ring of a 4x4
+ * grid, whose middle stays as it is.
+ *
+ *      0  1  2  3
+ *      4        5
+ *      6        7
+ *      8  9 10 11
+ *
+ * Up to min(width, height) / 4 - 1 pixels from the centre nothing is blurred. From there the blur
+ * grows with the squared distance until that is `radius_percent` of a corner's; beyond, pixels are
+ * `strength_percent` of the way to their blurred value, and wholly there from 95 % on.
+ *
+ * The tables are the process's. Use: zavri_mp_RNR_init_base; after each call that returned 1,
+ * zavri_mp_RNR_init_weight for all tiles; then zavri_mp_RNR_process_inner for all tiles of each
+ * plane. Calls for different tiles may run at the same time, none of them during the first. Tile
+ * numbers are 0..11; before the first call every tile is empty. */
+
+/* Lays down the geometry: pixels, rows, bytes from row to row, and the two percentages. Returns 1
+ * when the tables were built anew; 0, and keeps all of them, when nothing but the strength differs
+ * from the call before: a new strength alone has no effect. */
+ZAVRI_EXPORT uint32_t zavri_mp_RNR_init_base(uint32_t width, uint32_t height, uint32_t stride,
+                                             uint32_t radius_percent, int32_t strength_percent);
+
+/* Fills the weights of one tile; `tile_number` points to its uint32_t number. Nothing for null. */
+ZAVRI_EXPORT void zavri_mp_RNR_init_weight(const void* tile_number);
+
+/* Blurs one tile of the plane in place. Nothing for null. The Gaussian sees each tile alone and
+ * takes what lies beyond its edges from them. */
+ZAVRI_EXPORT void zavri_mp_RNR_process_inner(const void* tile_number, void* plane);
+
+/* Does nothing and returns 0. */
+ZAVRI_EXPORT uint32_t zavri_mp_RNR_process(void);
+
 /* Composition of two frames. */
 
 /* Two frames of one size, each reduced to half width and half height, side by side in one frame of

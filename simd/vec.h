@@ -147,6 +147,7 @@ ZAVRI_INLINE size_t first_clear(V8 mask) {
 #endif
 
 ZAVRI_INLINE V16 select(V16 mask, V16 a, V16 b) { return (V16)select((V8)mask, (V8)a, (V8)b); }
+ZAVRI_INLINE V32 select(V32 mask, V32 a, V32 b) { return (V32)select((V8)mask, (V8)a, (V8)b); }
 
 // The sums of all lanes of two vectors, each below 2^32.
 struct Totals {

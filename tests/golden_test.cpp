@@ -36,6 +36,19 @@ void run_denoise3d(const GoldenCase& golden) {
   EXPECT_EQ(fnv1a(frames[param.ref_index]), golden.hash());
 }
 
+void run_rnr(const GoldenCase& golden) {
+  std::vector<uint8_t> buffer = golden_buffer(golden);
+  const auto number = [&](const char* key) { return golden.number(key); };
+  zavri_mp_RNR_init_base(0, 0, 0, 0, 0);  // or a new strength would not count
+  zavri_mp_RNR_init_base(number("width"), number("height"), number("stride"),
+                         number("radius_percent"), static_cast<int>(number("strength_percent")));
+  for (uint32_t tile = 0; tile < 12; ++tile) zavri_mp_RNR_init_weight(&tile);
+  for (uint32_t tile = 0; tile < 12; ++tile) {
+    zavri_mp_RNR_process_inner(&tile, buffer.data() + number("guard"));
+  }
+  EXPECT_EQ(fnv1a(buffer), golden.hash());
+}
+
 void run_uv_run_smooth(const GoldenCase& golden) {
   std::vector<uint8_t> buffer = golden_buffer(golden);
   T_UvRunSmoothParam param{};
@@ -75,6 +88,7 @@ struct GoldenFile {
 constexpr GoldenFile kFiles[] = {
     {"compose.txt", 40, run_compose},
     {"denoise3d.txt", 120, run_denoise3d},
+    {"rnr.txt", 30, run_rnr},
     {"uv_run_smooth.txt", 40, run_uv_run_smooth},
 };
 

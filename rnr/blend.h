@@ -1,0 +1,29 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#include "simd/builds.h"
+
+namespace zavri {
+
+// Mixes each row[i] with blurred[i], for i in [0, count):
+//
+//   ((128 - weight[i]) * row[i] + weight[i] * blurred[i]) >> 7
+//
+// and from a weight of kBlurAlone on the blurred value alone. `row` overlaps neither of the others.
+using BlendFunction = void (*)(uint8_t* row, const uint8_t* blurred, const uint8_t* weight,
+                               size_t count);
+
+// On purpose below 128, where that comes out anyway.
+inline constexpr uint8_t kBlurAlone = 121;
+
+BlendFunction blend_kernel(PlainBuild);
+BlendFunction blend_kernel(Vector16Build);
+BlendFunction blend_kernel(Vector32Build);
+
+inline BlendFunction blend_kernel(Build build = best_build()) {
+  return pick_build(build, [](auto tag) { return blend_kernel(tag); });
+}
+
+}  // namespace zavri

@@ -1,0 +1,136 @@
+#include <gtest/gtest.h>
+
+#include "rnr/blend.h"
+#include "rnr/weights.h"
+#include "tests/support/samples.h"
+#include "tests/support/use_build.h"
+
+namespace zavri::testing {
+namespace {
+
+using Bytes = std::vector<uint8_t>;
+
+constexpr size_t kLongestRow = 3 * 32 + 1;
+constexpr size_t kGuard = 40;
+
+// Weights by one build, with what lies around them.
+std::pair<Bytes, Bytes> weights(Build build, size_t count, int32_t dx, int32_t dy,
+                                const WeightRule& rule) {
+  Bytes blur(count + 2 * kGuard, 0xa5);
+  Bytes keep(count + 2 * kGuard, 0x5a);
+  weigh_kernel(build)(blur.data() + kGuard, keep.data() + kGuard, count, dx, dy, rule);
+  return {blur, keep};
+}
+
+void expect_same_weights(size_t count, int32_t dx, int32_t dy, const WeightRule& rule) {
+  const auto expected = weights(Build::kPlain, count, dx, dy, rule);
+  for (const Build build : builds_here()) {
+    ASSERT_TRUE(weights(build, count, dx, dy, rule) == expected)
+        << build_name(build) << " count " << count << " dx " << dx << " dy " << dy << " start "
+        << rule.start << " span " << rule.span << " full " << +rule.full;
+  }
+}
+
+// Most of these rules and places make a product or a square wrap, or D or the span negative.
+TEST(RnrWeights, EveryBuildEqualsThePlainRuleForAnyRule) {
+  Random random(1);
+  const auto any = [&random](std::initializer_list<int32_t> values) {
+    return values.begin()[random() % values.size()];
+  };
+  for (size_t count = 0; count <= kLongestRow; ++count) {
+    for (int round = 0; round < 400; ++round) {
+      const WeightRule rule = {
+          any({0, 1, 100, 998001, 1 << 30, pick(random, 0, 1 << 20)}),
+          any({0, 1, -1, -5000, 7, 65535, 65536, 8421504, 8421505, 16777215, 16777216, 1 << 24,
+               INT32_MAX, INT32_MIN, pick(random, 1, 1 << 24)}),
+          static_cast<uint8_t>(any({0, 1, 64, 128, 255, pick(random, 0, 255)}))};
+      const int32_t dx = any({0, -1, -static_cast<int32_t>(count), 1 - static_cast<int32_t>(count),
+                              pick(random, -3000, 3000), pick(random, -32767, 60000)});
+      const int32_t dy = any({0, -1, 1, pick(random, -3000, 3000), pick(random, -32767, 60000)});
+      expect_same_weights(count, dx, dy, rule);
+    }
+  }
+}
+
+#if defined(__x86_64__) && defined(NDEBUG) && !defined(__SANITIZE_ADDRESS__) && \
+    !defined(__SANITIZE_THREAD__)
+constexpr uint32_t kStep = 1;
+#else
+constexpr uint32_t kStep = 17;  // at a pace that an emulator keeps
+#endif
+
+// For every span about a power of 2, and every weight up to a few `full`: the D at which the weight
+// is reached and the last one before it.
+TEST(RnrWeights, TheQuotientIsExactWhereItChanges) {
+  constexpr size_t kCount = 32;
+  Random random(2);
+  for (uint32_t power = 0; power <= 24; ++power) {
+    for (int around = -2; around <= 2; ++around) {
+      for (const int full : {1, 64, 121, 127, 128}) {
+        const int32_t span = (1 << power) + around;
+        if (span < 1 || int64_t{span} * full > INT32_MAX) continue;
+        for (uint32_t weight = 1; weight <= static_cast<uint32_t>(full); weight += kStep) {
+          const auto reached = static_cast<int32_t>((int64_t{weight} * span + full - 1) / full);
+          for (const int32_t distance : {reached - 1, reached}) {
+            // Pixel `place` of the row has this D, all others have more.
+            const auto place = static_cast<size_t>(random() % kCount);
+            const WeightRule rule = {-distance, span, static_cast<uint8_t>(full)};
+            const uint8_t expected = static_cast<uint8_t>(
+                distance >= span ? full : static_cast<int32_t>(int64_t{full} * distance / span));
+            for (const Build build : builds_here()) {
+              const Bytes blur =
+                  weights(build, kCount, -static_cast<int32_t>(place), 0, rule).first;
+              ASSERT_EQ(+blur[kGuard + place], +expected)
+                  << build_name(build) << " span " << span << " full " << full << " D " << distance;
+            }
+          }
+        }
+      }
+    }
+  }
+}
+
+TEST(RnrBlend, EveryBuildEqualsThePlainRule) {
+  Random random(3);
+  for (size_t count = 0; count <= kLongestRow; ++count) {
+    for (const Style style : kStyles) {
+      const Bytes before = samples(random, style, count + 2 * kGuard);
+      const Bytes blurred = samples(random, style, count);
+      const Bytes weight = samples(random, Style::kUniform, count);
+      Bytes expected = before;
+      blend_kernel(Build::kPlain)(&expected[kGuard], blurred.data(), weight.data(), count);
+      for (const Build build : builds_here()) {
+        Bytes actual = before;
+        blend_kernel(build)(&actual[kGuard], blurred.data(), weight.data(), count);
+        ASSERT_TRUE(actual == expected) << build_name(build) << " count " << count;
+      }
+    }
+  }
+}
+
+// Every weight with every pair of samples.
+TEST(RnrBlend, FollowsTheRuleForAllValues) {
+  constexpr size_t kPairs = 256 * 256;
+  Bytes sharp(kPairs);
+  Bytes blurred(kPairs);
+  for (size_t i = 0; i < kPairs; ++i) {
+    sharp[i] = static_cast<uint8_t>(i);
+    blurred[i] = static_cast<uint8_t>(i >> 8);
+  }
+  Bytes expected(kPairs);
+  for (uint32_t weight = 0; weight < 256; weight += kStep) {
+    const Bytes weights(kPairs, static_cast<uint8_t>(weight));
+    for (size_t i = 0; i < kPairs; ++i) {
+      const uint32_t mixed = ((128 - weight) * sharp[i] + weight * blurred[i]) / 128;
+      expected[i] = weight >= 121 ? blurred[i] : static_cast<uint8_t>(mixed);
+    }
+    for (const Build build : builds_here()) {
+      Bytes actual = sharp;
+      blend_kernel(build)(actual.data(), blurred.data(), weights.data(), kPairs);
+      ASSERT_TRUE(actual == expected) << build_name(build) << " weight " << weight;
+    }
+  }
+}
+
+}  // namespace
+}  // namespace zavri::testing
