@@ -306,6 +306,11 @@ TEST_F(Zavri, BadInputIsOneLineStatusTwoAndNoFile) {
       {"compare photo.png frame0_64x48.nv12 --size 48x64", "cannot be compared"},
       {"resize photo.png --to 63x48 -o out.png", "--to"},
       {"resize photo.png --to 128x96 --mode cubic -o out.png", "--mode"},
+      {"rnr photo.png --radius 0 -o out.png", "--radius"},
+      {"rnr photo.png --strength 101 -o out.png", "--strength"},
+      {"compose photo.png frame0_64x48.nv12 --padding 65 -o out.png", "--padding 65"},
+      {"compose photo.png frame0_64x48.nv12 --pad top -o out.png", "--pad"},
+      {"compose photo.png frame0_64x48.nv12 --size 32x96 -o out.png", "one size"},
       {"burst missing.jpg -o out", "missing.jpg"},
       {"burst photo.png --pix rgb -o out", "nv12 and nv21"},
       {"burst photo.png -o .", "--force"},
@@ -394,6 +399,53 @@ TEST_F(Zavri, ResizeRefusesWhatTheLibraryCannotDo) {
   }
 }
 
+TEST_F(Zavri, RnrIsTheTwelveTilesOfTheLuma) {
+  const Frame frame = random_frame(130, 98, 3);
+  write_file(path("in_130x98.nv12"), encode(frame, "in.nv12"));
+  ASSERT_EQ(run("rnr in_130x98.nv12 --radius 70 --strength 90 -o out_130x98.nv12").status, kDone);
+  const Frame out = load_frame(path("out_130x98.nv12"), {});
+  Frame expected = frame;
+  ASSERT_EQ(zavri_mp_RNR_init_base(130, 98, 130, 70, 90), 1u);
+  for (uint32_t tile = 0; tile < 12; ++tile) zavri_mp_RNR_init_weight(&tile);
+  for (uint32_t tile = 0; tile < 12; ++tile) {
+    zavri_mp_RNR_process_inner(&tile, expected.luma.data());
+  }
+  EXPECT_EQ(out.luma, expected.luma);
+  EXPECT_NE(out.luma, frame.luma);
+  EXPECT_EQ(out.chroma, frame.chroma);
+}
+
+// NV21 frames meet NV12 ones, and the result is U first.
+TEST_F(Zavri, ComposeIsTheLibrarysFrame) {
+  const Frame a = random_frame(64, 48, 4);
+  Frame b = random_frame(64, 48, 5);
+  b.order = ChromaOrder::kVu;
+  write_file(path("a_64x48.nv12"), encode(a, "a.nv12"));
+  write_file(path("b_64x48.nv21"), encode(b, "b.nv21"));
+  const Bytes first = encode(a, "a.nv12");
+  const Bytes second = encode(b.with_u_first(), "b.nv12");
+  const char* const places[] = {"left", "right", "center", "both"};
+  for (uint32_t mode = 0; mode < 4; ++mode) {
+    Bytes expected(first.size());
+    T_ComposeParam param{};
+    param.width = 64;
+    param.height = 48;
+    param.mode = mode;
+    param.padding = 8;
+    param.src_frame1 = first.data();
+    param.src_frame2 = second.data();
+    param.dst_frame = expected.data();
+    ASSERT_EQ(zavri_mp_compose_two_same_frame(&param), 0u);
+    const Outcome outcome =
+        run(std::string("compose a_64x48.nv12 b_64x48.nv21 --padding 8 --pad ") + places[mode] +
+            " --force -o out_64x48.nv12");
+    ASSERT_EQ(outcome.status, kDone) << outcome.err;
+    EXPECT_EQ(outcome.err, "");
+    EXPECT_EQ(read_file(path("out_64x48.nv12")), expected) << places[mode];
+  }
+  EXPECT_NE(run("compose a_64x48.nv12 b_64x48.nv21 --padding 9 --force -o out.png").err, "");
+}
+
 TEST_F(Zavri, ReadsAndWritesStreams) {
   make_burst_files(64, 48);
   ASSERT_EQ(run("view clean_64x48.nv12 -o - >clean.y4m").status, kDone);
@@ -418,6 +470,8 @@ TEST_F(Zavri, DemoWritesPicturesAndNumbersOfAnyPhotograph) {
   EXPECT_EQ(load_picture(path("results/before.png")).rgb, to_picture(before).rgb);
   EXPECT_EQ(load_picture(path("results/crop.png")).width, 3 * 640);
   EXPECT_EQ(load_picture(path("results/resize.png")).width, 2 * 1800);
+  EXPECT_EQ(load_picture(path("results/rnr.png")).width, 1800);
+  EXPECT_EQ(load_picture(path("results/compose.png")).height, 1200);
   EXPECT_EQ(run("info results/after.png").status, kDone);
 }
 

@@ -127,6 +127,26 @@ void add_denoise_settings(CLI::App* command, DenoiseSettings& settings) {
       ->capture_default_str();
 }
 
+void add_radial_settings(CLI::App* command, RadialSettings& settings) {
+  command->add_option("--radius", settings.radius, "where the blur is full, % of a corner's")
+      ->check(CLI::Range(1, 400))
+      ->capture_default_str();
+  command->add_option("--strength", settings.strength, "of the blur there, %")
+      ->check(CLI::Range(0, 100))
+      ->capture_default_str();
+}
+
+void add_compose_settings(CLI::App* command, ComposeSettings& settings) {
+  const std::map<std::string, Pad> places{
+      {"left", Pad::kLeft}, {"right", Pad::kRight}, {"center", Pad::kCenter}, {"both", Pad::kBoth}};
+  command->add_option("--pad", settings.pad, "where the padding stands: left, right, center, both")
+      ->transform(CLI::Transformer(places))
+      ->type_name("PLACE");
+  command->add_option("--padding", settings.padding, "columns of padding, both bands together")
+      ->check(CLI::Range(0, 65535))
+      ->capture_default_str();
+}
+
 int run_program(int argc, char** argv) {
   CommandLine line;
 
@@ -167,6 +187,26 @@ int run_program(int argc, char** argv) {
       ->transform(CLI::Transformer(scalings))
       ->type_name("MODE");
   add_raw_options(command, resize.raw);
+
+  RnrOptions rnr;
+  command = line.add("rnr", "blur the luma the more, the farther from the centre",
+                     "rnr frame_4000x3000.nv12 --radius 90 --strength 70 -o out.png", rnr, run_rnr);
+  command->add_option("IN", rnr.input, "frame")->required();
+  command->add_option("-o", rnr.output, "result, by its extension; - for Y4M on stdout")
+      ->required();
+  add_radial_settings(command, rnr.settings);
+  add_raw_options(command, rnr.raw);
+
+  ComposeOptions compose;
+  command =
+      line.add("compose", "two frames side by side at half their size",
+               "compose a.png b.png --pad center --padding 32 -o both.png", compose, run_compose);
+  command->add_option("A", compose.a, "frame on the left")->required();
+  command->add_option("B", compose.b, "frame of the same size")->required();
+  command->add_option("-o", compose.output, "result, by its extension; - for Y4M on stdout")
+      ->required();
+  add_compose_settings(command, compose.settings);
+  add_raw_options(command, compose.raw);
 
   ViewOptions view;
   command = line.add("view", "turn a frame into a picture, or one format into another",

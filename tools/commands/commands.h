@@ -4,8 +4,10 @@
 #include <string>
 #include <vector>
 
+#include "tools/compose.h"
 #include "tools/denoise.h"
 #include "tools/noise.h"
+#include "tools/radial.h"
 #include "tools/raw_format.h"
 #include "tools/report.h"
 #include "tools/resize.h"
@@ -40,6 +42,23 @@ struct ResizeOptions {
   Scaling scaling = Scaling::kPoly;
 };
 int run_resize(const ResizeOptions& options, const Console& console);
+
+struct RnrOptions {
+  std::string input;
+  std::string output;
+  RawOptions raw;
+  RadialSettings settings;
+};
+int run_rnr(const RnrOptions& options, const Console& console);
+
+struct ComposeOptions {
+  std::string a;
+  std::string b;
+  std::string output;
+  RawOptions raw;
+  ComposeSettings settings;
+};
+int run_compose(const ComposeOptions& options, const Console& console);
 
 struct ViewOptions {
   std::string input;

@@ -17,6 +17,7 @@ constexpr int kRuns = 7;
 constexpr int kCropSide = 640;
 constexpr int kResizeWidth = 1920;  // of the part that is enlarged, at most
 constexpr int kResizeHeight = 1080;
+constexpr int kBand = 64;  // between the two frames of the composition
 
 std::string photograph_of(const DemoOptions& options) {
   if (!options.photograph.empty()) return options.photograph;
@@ -125,12 +126,41 @@ Report resize_step(const Frame& clean, const Frame& denoised, const std::string&
                           ", bilinear " + luma_psnr(Scaling::kBilinear)}};
 }
 
+// The blur that grows from the centre outwards, on the noisy frame.
+Report rnr_step(const Frame& clean, const Frame& before, const std::string& folder) {
+  const RadialResult radial = reduce_radially(before, RadialSettings(), kRuns);
+  write_file(folder + "rnr.png", encode(radial.frame, "rnr.png"));
+  const auto luma_psnr = [&](const Frame& frame) {
+    return decimals(compare(clean, frame).front().psnr, 2).dump();
+  };
+  return {{"operation", "rnr"},
+          {"milliseconds", decimals(1e3 * radial.seconds, 1)},
+          {"picture", "rnr.png"},
+          {"outcome", "luma PSNR " + luma_psnr(before) + " to " + luma_psnr(radial.frame)}};
+}
+
+// Before and after in one frame. It is exact for a height that is a multiple of 8, and when the
+// band leaves a multiple of 4 of the width.
+Report compose_step(const Frame& before, const Frame& after, const std::string& folder) {
+  const auto upper = [](const Frame& frame) {
+    return frame.crop(0, 0, frame.width, frame.height / 8 * 8);
+  };
+  const ComposeSettings middle{Pad::kCenter, kBand + before.width % 4};
+  const Composed composed = compose(upper(before), upper(after), middle, kRuns);
+  write_file(folder + "compose.png", encode(composed.frame, "compose.png"));
+  return {{"operation", "compose"},
+          {"milliseconds", decimals(1e3 * composed.seconds, 1)},
+          {"picture", "compose.png"},
+          {"outcome", "before and after"}};
+}
+
 }  // namespace
 
 int run_demo(const DemoOptions& options, const Console& console) {
   const std::string photograph = photograph_of(options);
   const std::string folder = options.folder + '/';
-  for (const char* name : {"before.png", "after.png", "crop.png", "resize.png"}) {
+  for (const char* name :
+       {"before.png", "after.png", "crop.png", "resize.png", "rnr.png", "compose.png"}) {
     check_output(folder + name, console.force);
   }
   console.progress("making " + std::to_string(kFrames) + " noisy frames of " + photograph);
@@ -155,6 +185,8 @@ int run_demo(const DemoOptions& options, const Console& console) {
                     "crop.png"));
   Report further = Report::array();
   further.push_back(resize_step(burst.clean, result.frame, folder));
+  further.push_back(rnr_step(burst.clean, before, folder));
+  further.push_back(compose_step(before, result.frame, folder));
 
   console.print({{"photograph", photograph},
                  {"size", before.size()},
