@@ -6,7 +6,9 @@ set(kernel_sources
   denoise3d/merge.cpp
   resize/chroma_channels.cpp
   rnr/blend.cpp
-  rnr/weights.cpp)
+  rnr/weights.cpp
+  uvdenoise/chroma_window.cpp
+  uvdenoise/fill_rows.cpp)
 
 set(library_sources
   compose/compose.cpp
@@ -23,7 +25,10 @@ set(library_sources
   rnr/tables.cpp
   threadpool/process_pool.cpp
   threadpool/thread_pool.cpp
-  threadpool/thread_pool_worker.cpp)
+  threadpool/thread_pool_worker.cpp
+  uvdenoise/chroma_strip.cpp
+  uvdenoise/dispatch.cpp
+  uvdenoise/fill_grid.cpp)
 
 # Unwind tables: pthread_exit unwinds the frames of a pool thread.
 set(library_options -fvisibility=hidden -fvisibility-inlines-hidden -fno-exceptions -fno-rtti

@@ -133,6 +133,62 @@ ZAVRI_EXPORT uint32_t zavri_mp_resize_process(T_ResizeParam* param);
  * which must be had. Strips of one frame may run at the same time. */
 ZAVRI_EXPORT void zavri_mp_yuv_resize_inner(const void* strip, const void* unused0, void* unused1);
 
+/* Chroma denoise. */
+
+/* One chroma denoise, read-only for the library. A chroma plane is filtered in place in four strips
+ * of q = height/4 rows, the last of which takes the rest; the caller runs them. Only every second
+ * pair of every second row is filtered, along its row and then down its column, each with a window
+ * of K such pairs; what lies between is interpolated.
+ *
+ * Room. Neither the plane's size nor its stride is checked. With r = (K - 1)/2, width/4 must be at
+ * least 15, 24, 28 or 32 for K = 7, 11, 15 or 19, and stride below 32768. From q = 6*r on a call
+ * stays inside the plane, height*stride bytes. Below that, with M = q/2 and L = (height - 3*q)/2,
+ *   strip 0 reads from 2*(2*r - M) rows before the plane if M < 2*r;
+ *   strip 2 reads and writes up to row 2*q + 2*(M + 2*r - 1);
+ *   strip 3 reads up to row 3*q + 2*(3*r - 1);
+ * and L must not be below 2*r. The fixed tolerance's own bounds are width/4 >= 10 and L >= 10, and
+ * from q = 20 on it stays inside the plane.
+ *
+ * Strips 0 to 2 also read the first 2*r filtered rows of the next strip and write the first r of
+ * them and its row 0. So the strips may run at the same time, but what these rows become then
+ * depends on the order; in ascending order, one after the other, the result is always the same. */
+typedef struct tagT_UVDenoiseParam {
+  uint32_t reserved; /* not read */
+  uint32_t width;    /* bytes of a chroma row that hold pairs: the image's width in pixels */
+  uint32_t height;   /* chroma rows */
+  uint32_t stride;   /* bytes from row to row */
+  uint8_t* uv_plane;
+  int8_t kernel_size; /* K: 7, 11, 15 or 19; any other value is taken as 11 */
+  int8_t threshold;   /* 0: nothing is done. A neighbour whose U and V both differ from the centre's
+                         by less than this counts; below 0 none does */
+  int8_t weight_table[127]; /* by the larger of the two differences: what a neighbour counts, the
+                               centre counting 64. Only [0, threshold) is read and need exist.
+                               Weights below 0 must not let a sum of weights become 0 */
+} T_UVDenoiseParam;
+
+/* One strip, shaped as a pool task: `strip` points to the uint32_t strip number 0..3, `param` to a
+ * T_UVDenoiseParam, `unused` is ignored. Does nothing when either is null. */
+ZAVRI_EXPORT void zavri_mp_UV_denoise_inner(const void* strip, const void* param, void* unused);
+
+/* The same for a fixed K, whatever kernel_size says. A threshold of 0 only interpolates. */
+ZAVRI_EXPORT void zavri_mp_single_UV_denoise_new_inner_7(const void* strip, const void* param,
+                                                         void* unused);
+ZAVRI_EXPORT void zavri_mp_single_UV_denoise_new_inner_11(const void* strip, const void* param,
+                                                          void* unused);
+ZAVRI_EXPORT void zavri_mp_single_UV_denoise_new_inner_15(const void* strip, const void* param,
+                                                          void* unused);
+ZAVRI_EXPORT void zavri_mp_single_UV_denoise_new_inner_19(const void* strip, const void* param,
+                                                          void* unused);
+
+/* The older form with K = 11: plain means of the neighbours whose U is less than 20 away and whose
+ * V is less than 20 below the centre's (however far above). Reads neither kernel_size nor threshold
+ * nor weight_table. */
+ZAVRI_EXPORT void zavri_mp_single_UV_denoise_inner_11(const void* strip, const void* param,
+                                                      void* unused);
+
+/* Does nothing and returns 0. */
+ZAVRI_EXPORT uint32_t zavri_mp_single_UV_denoise(T_UVDenoiseParam* param);
+
 /* Radial noise reduction. */
 
 /* Blurs an 8-bit plane the more, the farther from its centre, in 12 tiles: the outer ring of a 4x4

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "denoise3d/uv_run_smooth.h"
 #include "include/zavricustpro.h"
 #include "tests/support/use_build.h"
@@ -79,6 +81,28 @@ void run_compose(const GoldenCase& golden) {
   EXPECT_EQ(fnv1a(output), golden.hash());
 }
 
+void run_uv_denoise(const GoldenCase& golden) {
+  std::vector<uint8_t> buffer = golden_buffer(golden);
+  T_UVDenoiseParam param{};
+  param.width = golden.number("width");
+  param.height = golden.number("height");
+  param.stride = golden.number("stride");
+  param.uv_plane = buffer.data() + golden.number("guard");
+  // Unsigned arithmetic holds the few negative numbers as well.
+  param.kernel_size = static_cast<int8_t>(golden.number("kernel_size"));
+  param.threshold = static_cast<int8_t>(golden.number("threshold"));
+  for (uint32_t d = 0; d < std::size(param.weight_table); ++d) {
+    const auto falling =
+        static_cast<int>(golden.number("weight0") - d * golden.number("weight_step"));
+    const auto floor = static_cast<int>(golden.number("weight_floor"));
+    param.weight_table[d] = static_cast<int8_t>(std::max(falling, floor));
+  }
+  const bool legacy = golden.operation == "uv_denoise_legacy";
+  const auto denoise = legacy ? zavri_mp_single_UV_denoise_inner_11 : zavri_mp_UV_denoise_inner;
+  for (uint32_t strip = 0; strip < 4; ++strip) denoise(&strip, &param, nullptr);
+  EXPECT_EQ(fnv1a(buffer), golden.hash());
+}
+
 struct GoldenFile {
   const char* name;
   size_t cases;
@@ -89,6 +113,7 @@ constexpr GoldenFile kFiles[] = {
     {"compose.txt", 40, run_compose},
     {"denoise3d.txt", 120, run_denoise3d},
     {"rnr.txt", 30, run_rnr},
+    {"uv_denoise.txt", 60, run_uv_denoise},
     {"uv_run_smooth.txt", 40, run_uv_run_smooth},
 };
 

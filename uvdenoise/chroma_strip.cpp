@@ -1,0 +1,96 @@
+#include "uvdenoise/chroma_strip.h"
+
+#include <algorithm>
+
+#include "uvdenoise/chroma_window.h"
+#include "uvdenoise/fill_grid.h"
+
+namespace zavri {
+namespace {
+
+constexpr uint32_t kLastStrip = 3;
+
+// Counts are 16 bits wide; planes that are too small for their window let them wrap.
+struct Strip {
+  Strip(uint32_t number, const T_UVDenoiseParam& param);
+
+  uint8_t* start;
+  uint16_t rows;
+  uint16_t grid_rows;
+  uint16_t grid_columns;
+  bool last;
+};
+
+Strip::Strip(uint32_t number, const T_UVDenoiseParam& param) : last(number >= kLastStrip) {
+  const uint32_t quarter = param.height / 4;
+  start = param.uv_plane + size_t{param.stride} * number * quarter;
+  rows = static_cast<uint16_t>(last ? param.height - 3 * quarter : quarter);
+  grid_rows = rows / 2;
+  grid_columns = static_cast<uint16_t>(param.width / 4);
+}
+
+// The grid's rows are addressed with the low 15 bits of the stride.
+Grid grid_of(const Strip& strip, const T_UVDenoiseParam& param) {
+  const auto row_step = static_cast<ptrdiff_t>(2 * (param.stride & 0x7fff));
+  return {strip.start, strip.grid_rows, strip.grid_columns, row_step};
+}
+
+Span middle(int reach, uint16_t count) { return {reach, count, {reach, reach}}; }
+
+uint16_t middle_columns(const Strip& strip, int reach) {
+  return static_cast<uint16_t>(strip.grid_columns - 2 * reach);
+}
+
+// The middle reaches into the next strip where there is one.
+uint16_t middle_rows(const Strip& strip, int reach) {
+  return strip.last ? static_cast<uint16_t>(strip.grid_rows - 2 * reach) : strip.grid_rows;
+}
+
+void fill(const Strip& strip, uint32_t number, const T_UVDenoiseParam& param) {
+  UV_denoise_fill_grid(strip.start, static_cast<uint16_t>(param.width), strip.rows,
+                       static_cast<uint16_t>(param.stride), number);
+}
+
+Weights weights_of(const T_UVDenoiseParam& param) {
+  Weights weights{};
+  weights.threshold = param.threshold;
+  std::copy_n(param.weight_table, std::max<int>(param.threshold, 0), weights.of);
+  return weights;
+}
+
+}  // namespace
+
+void weighted_denoise(int taps, uint32_t number, const T_UVDenoiseParam& param) {
+  const Strip strip(number, param);
+  const Grid grid = grid_of(strip, param);
+  const Weights weights = weights_of(param);
+  const ChromaWindowKernels& kernels = chroma_window_kernels();
+
+  const int reach = (taps - 1) / 2;
+  const auto border = static_cast<uint32_t>(reach);
+  // The left border takes one neighbour more than the right one. The right border is filtered a
+  // second time, and the last `reach` columns never are.
+  const int side = taps == 7 ? 10 : 15;
+  const uint16_t columns = middle_columns(strip, reach);
+  kernels.weighted_rows(
+      grid, {{{0, border, {0, side}}, middle(reach, columns), {columns, border, {side - 1, 0}}}},
+      weights);
+  // In the last strip the lower border is the one that is filtered a second time.
+  const uint16_t rows = middle_rows(strip, reach);
+  kernels.weighted_columns(
+      grid, {{{0, border, {0, 2 * reach}}, middle(reach, rows), {rows, border, {2 * reach, 0}}}},
+      weights);
+  fill(strip, number, param);
+}
+
+void tolerant_denoise(uint32_t number, const T_UVDenoiseParam& param) {
+  constexpr int kReach = 5;
+  const Strip strip(number, param);
+  const Grid grid = grid_of(strip, param);
+  const ChromaWindowKernels& kernels = chroma_window_kernels();
+  kernels.tolerant_rows(grid, {{middle(kReach, middle_columns(strip, kReach))}});
+  kernels.tolerant_columns(grid, {{middle(kReach, middle_rows(strip, kReach))}});
+  fill(strip, number, param);
+}
+
+}  // namespace zavri

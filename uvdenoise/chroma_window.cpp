@@ -1,0 +1,214 @@
+#include "uvdenoise/chroma_window.h"
+
+#include <algorithm>
+#include <cstdlib>
+
+#ifndef ZAVRI_BUILD_PLAIN
+#include "simd/weighted_sums.h"
+#if ZAVRI_HAS_WEIGHTED_SUMS
+#include "uvdenoise/grid_blocks.h"
+#endif
+#endif
+
+namespace zavri {
+namespace {
+
+// Calls `add` with the neighbours of the sample at `centre`, which lie `step` bytes apart.
+template <class Add>
+void each_neighbour(const uint8_t* centre, ptrdiff_t step, Window window, Add add) {
+  for (int k = window.before; k > 0; --k) add(centre - k * step);
+  for (int k = 1; k <= window.after; ++k) add(centre + k * step);
+}
+
+// The rule, for one sample.
+void filter_sample(uint8_t* centre, ptrdiff_t step, Window window, const Weights& weights) {
+  const int u = centre[0];
+  const int v = centre[1];
+  int sum_u = kCentreWeight * u;
+  int sum_v = kCentreWeight * v;
+  int sum = kCentreWeight;
+  each_neighbour(centre, step, window, [&](const uint8_t* neighbour) {
+    const int distance = std::max(std::abs(neighbour[0] - u), std::abs(neighbour[1] - v));
+    if (distance >= weights.threshold) return;
+    const int weight = weights.of[distance];
+    sum_u += weight * neighbour[0];
+    sum_v += weight * neighbour[1];
+    sum += weight;
+  });
+  // Negative weights may leave any sum: means are cut to their low bytes, and a sum of zero ends in
+  // the processor's division by zero.
+  centre[0] = static_cast<uint8_t>((sum_u + (sum >> 1)) / sum);
+  centre[1] = static_cast<uint8_t>((sum_v + (sum >> 1)) / sum);
+}
+
+struct FixedTolerance {};
+
+void filter_sample(uint8_t* centre, ptrdiff_t step, Window window, FixedTolerance) {
+  const int u = centre[0];
+  const int v = centre[1];
+  unsigned sum_u = centre[0];
+  unsigned sum_v = centre[1];
+  unsigned count = 1;
+  each_neighbour(centre, step, window, [&](const uint8_t* neighbour) {
+    // V is tested on one side only: tuned devices rely on it.
+    if (std::abs(neighbour[0] - u) > kFixedTolerance) return;
+    if (neighbour[1] < v - kFixedTolerance) return;
+    sum_u += neighbour[0];
+    sum_v += neighbour[1];
+    ++count;
+  });
+  centre[0] = static_cast<uint8_t>((sum_u + (count >> 1)) / count);
+  centre[1] = static_cast<uint8_t>((sum_v + (count >> 1)) / count);
+}
+
+template <class Rule>
+void filter_rows_plain(const Grid& grid, const Pass& pass, const Rule& rule) {
+  for (uint32_t i = 0; i < grid.rows; ++i) {
+    uint8_t* const row = grid.start + i * grid.row_step;
+    for (const Span& span : pass.spans) {
+      uint8_t* sample = row + span.from * kColumnStep;
+      for (uint32_t n = 0; n < span.count; ++n, sample += kColumnStep) {
+        filter_sample(sample, kColumnStep, span.window, rule);
+      }
+    }
+  }
+}
+
+// Row after row, which matters where a row step is so short that columns overlap.
+template <class Rule>
+void filter_columns_plain(const Grid& grid, const Pass& pass, const Rule& rule) {
+  for (const Span& span : pass.spans) {
+    uint8_t* row = grid.start + span.from * grid.row_step;
+    for (uint32_t n = 0; n < span.count; ++n, row += grid.row_step) {
+      for (uint32_t j = 0; j < grid.columns; ++j) {
+        filter_sample(row + j * kColumnStep, grid.row_step, span.window, rule);
+      }
+    }
+  }
+}
+
+#if defined(ZAVRI_BUILD_PLAIN) || !ZAVRI_HAS_WEIGHTED_SUMS
+
+template <class Rule>
+void filter_rows(const Grid& grid, const Pass& pass, const Rule& rule) {
+  filter_rows_plain(grid, pass, rule);
+}
+
+template <class Rule>
+void filter_columns(const Grid& grid, const Pass& pass, const Rule& rule) {
+  filter_columns_plain(grid, pass, rule);
+}
+
+#else
+
+constexpr ptrdiff_t kChunk = 128;  // samples of each line at a time, which the nearest cache holds
+constexpr ptrdiff_t kShortestChunk = kShortestWindow + 1;
+static_assert(kShortestChunk >= kQuads);
+
+// Filters the lines of a block. Neighbours are read again for every span and chunk, so that those
+// before it are filtered ones.
+template <class Block, class Mean>
+void filter_lines(const Block& block, const Pass& pass, const Mean& mean) {
+  Cell cells[kChunk + kLongestWindow];
+  for (const Span& span : pass.spans) {
+    const Window window = span.window;
+    Cell* const centres = cells + window.before;
+    const ptrdiff_t end = span.from + static_cast<ptrdiff_t>(span.count);
+    for (ptrdiff_t at = span.from; at < end; at += kChunk) {
+      const ptrdiff_t count = std::min(kChunk, end - at);
+      block.load(cells, at - window.before, window.before + count + window.after);
+      for (ptrdiff_t i = 0; i < count; ++i) centres[i] = filtered(centres + i, window, mean);
+      block.store(centres, at, count);
+    }
+  }
+}
+
+template <class Mean>
+void filter_row_blocks(const Grid& grid, const Pass& pass, const Mean& mean) {
+  const auto rows = static_cast<ptrdiff_t>(grid.rows);
+  for (ptrdiff_t i = 0; i < rows; i += kLines) {
+    filter_lines(RowBlock(grid, i, std::min(kLines, rows - i)), pass, mean);
+  }
+}
+
+template <class Mean>
+void filter_column_blocks(const Grid& grid, const Pass& pass, const Mean& mean) {
+  const auto columns = static_cast<ptrdiff_t>(grid.columns);
+  for (ptrdiff_t j = 0; j < columns; j += kLines) {
+    // The last block begins with columns of the one before it.
+    const ptrdiff_t first = std::min(j, columns - kLines);
+    filter_lines(ColumnBlock(grid, first, j - first), pass, mean);
+  }
+}
+
+// Lanes are filtered at once, the rule goes from line to line: the same bytes only if no line
+// touches another one.
+bool lines_are_apart(const Grid& grid, ptrdiff_t first, ptrdiff_t end) {
+  return grid.columns >= static_cast<size_t>(kLines) &&
+         grid.row_step >= (end - first) * kColumnStep;
+}
+
+bool rows_are_apart(const Grid& grid, const Pass& pass) {
+  ptrdiff_t first = 0;
+  ptrdiff_t end = grid.columns;
+  for (const Span& span : pass.spans) {
+    if (span.count == 0) continue;
+    first = std::min(first, span.from - span.window.before);
+    end = std::max(end, span.from + static_cast<ptrdiff_t>(span.count) + span.window.after);
+  }
+  return lines_are_apart(grid, first, end);
+}
+
+bool columns_are_apart(const Grid& grid) { return lines_are_apart(grid, 0, grid.columns); }
+
+// Calls `filter` with the rule's vector form, which has the smallest table that holds the weights.
+template <class Filter>
+void with_mean(const Weights& weights, Filter filter) {
+  if (weights.threshold <= 16) return filter(WeightedMean<16>(weights));
+  if (weights.threshold <= 32) return filter(WeightedMean<32>(weights));
+  if (weights.threshold <= 64) return filter(WeightedMean<64>(weights));
+  return filter(WeightedMean<128>(weights));
+}
+
+template <class Filter>
+void with_mean(FixedTolerance, Filter filter) {
+  filter(TolerantMean());
+}
+
+bool fits_16_bits(const Pass&, FixedTolerance) { return true; }
+
+template <class Rule>
+void filter_rows(const Grid& grid, const Pass& pass, const Rule& rule) {
+  if (!rows_are_apart(grid, pass) || !fits_16_bits(pass, rule)) {
+    return filter_rows_plain(grid, pass, rule);
+  }
+  with_mean(rule, [&](const auto& mean) { filter_row_blocks(grid, pass, mean); });
+}
+
+template <class Rule>
+void filter_columns(const Grid& grid, const Pass& pass, const Rule& rule) {
+  if (!columns_are_apart(grid) || !fits_16_bits(pass, rule)) {
+    return filter_columns_plain(grid, pass, rule);
+  }
+  with_mean(rule, [&](const auto& mean) { filter_column_blocks(grid, pass, mean); });
+}
+
+#endif
+
+void tolerant_rows(const Grid& grid, const Pass& pass) {
+  filter_rows(grid, pass, FixedTolerance{});
+}
+
+void tolerant_columns(const Grid& grid, const Pass& pass) {
+  filter_columns(grid, pass, FixedTolerance{});
+}
+
+}  // namespace
+
+const ChromaWindowKernels& chroma_window_kernels(ThisBuild) {
+  static constexpr ChromaWindowKernels kKernels = {filter_rows<Weights>, filter_columns<Weights>,
+                                                   tolerant_rows, tolerant_columns};
+  return kKernels;
+}
+
+}  // namespace zavri

@@ -1,0 +1,78 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#include "simd/builds.h"
+
+namespace zavri {
+
+// Kernels of the chroma denoise: in-place filters with a one-dimensional window over the samples of
+// a grid, every second (U, V) pair of every second chroma row. Samples are worked in order, so that
+// those before the centre are already filtered ones.
+//
+//   row 0   UV .. UV .. UV ..      grid column j is at byte 4j of its row
+//           .. .. .. .. .. ..
+//   row 1   UV .. UV .. UV ..      row_step bytes after row 0
+struct Grid {
+  uint8_t* start;
+  uint32_t rows;
+  uint32_t columns;
+  ptrdiff_t row_step;
+};
+inline constexpr ptrdiff_t kColumnStep = 4;
+
+// How many samples on either side of the centre are its neighbours: as many on both, or all on one.
+struct Window {
+  int before;
+  int after;
+};
+// Of before + after.
+inline constexpr int kShortestWindow = 6;
+inline constexpr int kLongestWindow = 18;
+inline constexpr int kLongestTolerantWindow = 10;
+
+// Positions along a row or a column that are filtered with one window.
+struct Span {
+  ptrdiff_t from;
+  uint32_t count;
+  Window window;
+};
+
+// The spans of one pass in their order: a border, the middle, a border.
+struct Pass {
+  Span spans[3];
+};
+
+// The weighted mean gives the centre this weight, and a neighbour whose U or V, whichever is
+// farther, differs by d from the centre's the weight of[d] where d < threshold; others do not
+// count.
+inline constexpr int kCentreWeight = 64;
+struct Weights {
+  int8_t of[128];  // 0 from the threshold on
+  int threshold;
+};
+
+// The plain mean counts a neighbour whose U is within this of the centre's and whose V is not as
+// much below it; how far V lies above does not matter.
+inline constexpr int kFixedTolerance = 19;
+
+struct ChromaWindowKernels {
+  // Passes along every row and down every column of the grid.
+  void (*weighted_rows)(const Grid& grid, const Pass& pass, const Weights& weights);
+  void (*weighted_columns)(const Grid& grid, const Pass& pass, const Weights& weights);
+
+  void (*tolerant_rows)(const Grid& grid, const Pass& pass);
+  void (*tolerant_columns)(const Grid& grid, const Pass& pass);
+};
+
+const ChromaWindowKernels& chroma_window_kernels(PlainBuild);
+const ChromaWindowKernels& chroma_window_kernels(Vector16Build);
+const ChromaWindowKernels& chroma_window_kernels(Vector32Build);
+
+inline const ChromaWindowKernels& chroma_window_kernels(Build build = best_build()) {
+  return pick_build(
+      build, [](auto tag) -> const ChromaWindowKernels& { return chroma_window_kernels(tag); });
+}
+
+}  // namespace zavri

@@ -1,0 +1,191 @@
+#pragma once
+
+// The chroma window's means in vectors: one sample of each of kVectorBytes lines at a time. Kernel
+// sources only.
+
+#include "simd/weighted_sums.h"
+#include "uvdenoise/chroma_window.h"
+
+namespace zavri {
+namespace {
+
+// Samples less 128. Their differences saturate, but only where they are beyond every tolerance.
+struct Cell {
+  S8 u;
+  S8 v;
+};
+
+// What a neighbour adds to the sums.
+struct Term {
+  V8 weight;
+  S8 u;
+  S8 v;
+};
+
+struct WindowSums {
+  Wide weight;
+  Wide u;
+  Wide v;
+
+  ZAVRI_INLINE void add(Term a, Term b) {
+    add_weights(weight, a.weight, b.weight);
+    add_products(u, a.weight, a.u, b.weight, b.u);
+    add_products(v, a.weight, a.v, b.weight, b.v);
+  }
+};
+
+// floor(y / w) for signed y and w in [64, 2^15), with r = reciprocal(w). A negative y is worked as
+// z = ~y, whose quotient is the complement of y's. z * r / 2^16 falls short of z / w by less than
+// z / w / 2^10 + z / 2^16 < 1: the quotient is right or one too small.
+ZAVRI_INLINE V16 floor_quotient(V16 y, V16 w, V16 r) {
+  const V16 sign = (V16)((S16)y >> 15);
+  const V16 z = y ^ sign;
+  const V16 q = high_product(z, r);
+  const V16 one_short = (V16)((S16)(z - q * w) >= (S16)w);  // -1 where it is
+  return (q - one_short) ^ sign;
+}
+
+// The weighted mean as the centre plus the mean of the differences from it: sums of weighted
+// differences fit 16 bits, those of weighted samples would not. Rounding down here is the rule's
+// rounding toward zero there, since sums of samples are not negative.
+template <size_t kEntries>
+class WeightedMean {
+ public:
+  explicit WeightedMean(const Weights& weights)
+      : table_(reinterpret_cast<const uint8_t*>(weights.of)) {}
+
+  ZAVRI_INLINE static WindowSums start(Cell) {
+    WindowSums sums{};
+    sums.weight = {splat16(kCentreWeight), splat16(kCentreWeight)};
+    return sums;
+  }
+
+  ZAVRI_INLINE Term term(Cell centre, Cell neighbour) const {
+    const S8 u = difference(neighbour.u, centre.u);
+    const S8 v = difference(neighbour.v, centre.v);
+    return {table_.at(larger(magnitude(u), magnitude(v))), u, v};
+  }
+
+  ZAVRI_INLINE static Cell mean(const WindowSums& sums, Cell centre) {
+    const Wide& w = sums.weight;
+    const Wide r = {reciprocal(w.lower), reciprocal(w.upper)};
+    const auto moved = [&](S8 sample, const Wide& sum) {
+      const S8 by = narrow({floor_quotient(sum.lower + (w.lower >> 1), w.lower, r.lower),
+                            floor_quotient(sum.upper + (w.upper >> 1), w.upper, r.upper)});
+      return (S8)((V8)sample + (V8)by);
+    };
+    return {moved(centre.u, sums.u), moved(centre.v, sums.v)};
+  }
+
+ private:
+  ByteTable<kEntries> table_;
+};
+
+// Whether the weighted differences of a pass fit 16 bits, and no sum of weights is below 64.
+inline bool fits_16_bits(const Pass& pass, const Weights& weights) {
+  int neighbours = 0;
+  for (const Span& span : pass.spans) {
+    const int count = span.window.before + span.window.after;
+    if (count > neighbours) neighbours = count;
+  }
+  int largest_weight = 0;
+  int largest_product = 0;
+  for (int d = 0; d < weights.threshold; ++d) {
+    const int weight = weights.of[d];
+    if (weight < 0) return false;
+    if (weight > largest_weight) largest_weight = weight;
+    if (weight * d > largest_product) largest_product = weight * d;
+  }
+  const int half_of_weights = (kCentreWeight + neighbours * largest_weight) / 2;
+  return neighbours * largest_product + half_of_weights <= INT16_MAX;
+}
+
+// (2x + 1) * of(n) >> 16 is x / n, exactly, for every sum x of n samples and n / 2.
+struct CountReciprocals {
+  static constexpr int kMostSamples = kLongestTolerantWindow + 1;
+
+  // 2^15 / n to the nearest, but below 2^15.
+  static constexpr int of(int n) { return n == 1 ? 0x7fff : (0x8000 + n / 2) / n; }
+
+  static constexpr bool are_exact() {
+    for (int n = 1; n <= kMostSamples; ++n) {
+      for (int x = 0; x <= 255 * n + n / 2; ++x) {
+        if ((2 * x + 1) * of(n) >> 16 != x / n) return false;
+      }
+    }
+    return true;
+  }
+
+  uint8_t low[16];
+  uint8_t high[16];
+
+  constexpr CountReciprocals() : low{}, high{} {
+    for (int n = 1; n <= kMostSamples; ++n) {
+      low[n] = static_cast<uint8_t>(of(n));
+      high[n] = static_cast<uint8_t>(of(n) >> 8);
+    }
+  }
+};
+static_assert(CountReciprocals::are_exact());
+constexpr CountReciprocals kCountReciprocals;
+
+// The plain mean of what lies within the fixed tolerance.
+class TolerantMean {
+ public:
+  TolerantMean() : low_(kCountReciprocals.low), high_(kCountReciprocals.high) {}
+
+  ZAVRI_INLINE static WindowSums start(Cell centre) {
+    WindowSums sums{};
+    sums.add({splat8(1), centre.u, centre.v}, Term{});
+    return sums;
+  }
+
+  ZAVRI_INLINE static Term term(Cell centre, Cell neighbour) {
+    const V8 u_near = (V8)(magnitude(difference(neighbour.u, centre.u)) <= splat8(kFixedTolerance));
+    const S8 lowest = -(S8)splat8(kFixedTolerance);
+    const V8 v_not_below = (V8)(difference(neighbour.v, centre.v) >= lowest);
+    return {u_near & v_not_below & 1, neighbour.u, neighbour.v};
+  }
+
+  ZAVRI_INLINE Cell mean(const WindowSums& sums, Cell) const {
+    const V8 counts = (V8)narrow(sums.weight);
+    const Wide r = widen(low_.at(counts), high_.at(counts));
+    const auto quotient = [&](const Wide& sum) {
+      return narrow({mean(sum.lower, sums.weight.lower, r.lower),
+                     mean(sum.upper, sums.weight.upper, r.upper)});
+    };
+    return {quotient(sums.u), quotient(sums.v)};
+  }
+
+ private:
+  ZAVRI_INLINE static V16 mean(V16 sum, V16 count, V16 r) {
+    const V16 samples = sum + count * 128;
+    return high_product(2 * (samples + (count >> 1)) + 1, r) - 128;
+  }
+
+  ByteTable<16> low_;
+  ByteTable<16> high_;
+};
+
+template <class Mean>
+ZAVRI_INLINE Cell filtered(const Cell* centre, Window window, const Mean& mean) {
+  const Cell c = *centre;
+  WindowSums sums = mean.start(c);
+  if (window.before == window.after) {
+    // The sample just before the centre comes last: it is the last to be known.
+    for (int k = window.after; k > 0; --k) {
+      sums.add(mean.term(c, centre[k]), mean.term(c, centre[-k]));
+    }
+  } else {
+    const int side = window.before > 0 ? -1 : 1;
+    int k = window.before + window.after;
+    for (; k > 1; k -= 2) {
+      sums.add(mean.term(c, centre[side * k]), mean.term(c, centre[side * (k - 1)]));
+    }
+    if (k == 1) sums.add(mean.term(c, centre[side]), Term{});
+  }
+  return mean.mean(sums, c);
+}
+
+}  // namespace
+}  // namespace zavri
