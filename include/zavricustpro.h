@@ -142,7 +142,8 @@ ZAVRI_EXPORT void zavri_mp_yuv_resize_inner(const void* strip, const void* unuse
  *
  * Room. Neither the plane's size nor its stride is checked. With r = (K - 1)/2, width/4 must be at
  * least 15, 24, 28 or 32 for K = 7, 11, 15 or 19, and stride below 32768. From q = 6*r on a call
- * stays inside the plane, height*stride bytes. Below that, with M = q/2 and L = (height - 3*q)/2,
+ * with an even width stays inside the plane's height*stride bytes. Below that, with M = q/2 and
+ * L = (height - 3*q)/2,
  *   strip 0 reads from 2*(2*r - M) rows before the plane if M < 2*r;
  *   strip 2 reads and writes up to row 2*q + 2*(M + 2*r - 1);
  *   strip 3 reads up to row 3*q + 2*(3*r - 1);

@@ -74,8 +74,7 @@ ZAVRI_INLINE Wide widen(V8 low_bytes, V8 high_bytes) {
 //                             weights are up to 127
 //   narrow(Wide)              the lanes as bytes; all are in [-128, 127]
 //   high_product(a, b)        (a * b) >> 16, for a and b below 2^15
-//   reciprocal(w)             r with (1 - 2^-10) * 2^16 / w - 1 < r <= 2^16 / w, for w in
-//                             [64, 2^15)
+//   reciprocal(w)             from 65472 / w to 65536 / w, both rounded down, for w in [64, 2^15)
 //   split_cells(quads, &first, &second)  the first and the second bytes of the 4-byte cells of four
 //                             vectors: those of each vector's first half in turn, then those of the
 //                             second halves

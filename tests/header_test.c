@@ -56,6 +56,14 @@ ASSERT_OFFSET_32(T_ComposeParam, src_frame2, 16);
 ASSERT_OFFSET_32(T_ComposeParam, dst_frame, 20);
 static_assert(sizeof(void*) != 4 || sizeof(T_ComposeParam) == 24, "T_ComposeParam");
 
+static_assert(offsetof(T_UVDenoiseParam, width) == 4, "width");
+static_assert(offsetof(T_UVDenoiseParam, height) == 8, "height");
+static_assert(offsetof(T_UVDenoiseParam, stride) == 12, "stride");
+static_assert(offsetof(T_UVDenoiseParam, uv_plane) == 16, "uv_plane");
+ASSERT_OFFSET_32(T_UVDenoiseParam, kernel_size, 20);
+ASSERT_OFFSET_32(T_UVDenoiseParam, threshold, 21);
+ASSERT_OFFSET_32(T_UVDenoiseParam, weight_table, 22);
+
 static_assert(offsetof(T_ThreadPoolTaskInput, pIn0) == 0, "pIn0");
 static_assert(offsetof(T_ThreadPoolTaskInput, pOut) == sizeof(void*), "pOut");
 static_assert(offsetof(T_ThreadPoolTaskInput, pIn1) == 2 * sizeof(void*), "pIn1");

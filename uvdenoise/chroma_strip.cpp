@@ -35,15 +35,33 @@ Grid grid_of(const Strip& strip, const T_UVDenoiseParam& param) {
   return {strip.start, strip.grid_rows, strip.grid_columns, row_step};
 }
 
-Span middle(int reach, uint16_t count) { return {reach, count, {reach, reach}}; }
-
 uint16_t middle_columns(const Strip& strip, int reach) {
   return static_cast<uint16_t>(strip.grid_columns - 2 * reach);
 }
 
 // The middle reaches into the next strip where there is one.
 uint16_t middle_rows(const Strip& strip, int reach) {
-  return strip.last ? static_cast<uint16_t>(strip.grid_rows - 2 * reach) : strip.grid_rows;
+  return static_cast<uint16_t>(strip.grid_rows - (strip.last ? 2 * reach : 0));
+}
+
+Span middle(int reach, uint16_t count) { return {reach, count, {reach, reach}}; }
+
+Span border(ptrdiff_t from, int reach, Window window) {
+  return {from, static_cast<uint32_t>(reach), window};
+}
+
+// The right border is filtered a second time, and the last `reach` columns never are.
+Pass along_rows(const Strip& strip, const Taps& taps) {
+  const uint16_t count = middle_columns(strip, taps.reach);
+  return {{border(0, taps.reach, {0, taps.left_border}), middle(taps.reach, count),
+           border(count, taps.reach, {taps.left_border - 1, 0})}};
+}
+
+// The same holds for the lower border of the last strip; elsewhere it lies in the next strip.
+Pass down_columns(const Strip& strip, const Taps& taps) {
+  const uint16_t count = middle_rows(strip, taps.reach);
+  return {{border(0, taps.reach, {0, 2 * taps.reach}), middle(taps.reach, count),
+           border(count, taps.reach, {2 * taps.reach, 0})}};
 }
 
 void fill(const Strip& strip, uint32_t number, const T_UVDenoiseParam& param) {
@@ -60,31 +78,18 @@ Weights weights_of(const T_UVDenoiseParam& param) {
 
 }  // namespace
 
-void weighted_denoise(int taps, uint32_t number, const T_UVDenoiseParam& param) {
+void weighted_denoise(const Taps& taps, uint32_t number, const T_UVDenoiseParam& param) {
   const Strip strip(number, param);
   const Grid grid = grid_of(strip, param);
   const Weights weights = weights_of(param);
   const ChromaWindowKernels& kernels = chroma_window_kernels();
-
-  const int reach = (taps - 1) / 2;
-  const auto border = static_cast<uint32_t>(reach);
-  // The left border takes one neighbour more than the right one. The right border is filtered a
-  // second time, and the last `reach` columns never are.
-  const int side = taps == 7 ? 10 : 15;
-  const uint16_t columns = middle_columns(strip, reach);
-  kernels.weighted_rows(
-      grid, {{{0, border, {0, side}}, middle(reach, columns), {columns, border, {side - 1, 0}}}},
-      weights);
-  // In the last strip the lower border is the one that is filtered a second time.
-  const uint16_t rows = middle_rows(strip, reach);
-  kernels.weighted_columns(
-      grid, {{{0, border, {0, 2 * reach}}, middle(reach, rows), {rows, border, {2 * reach, 0}}}},
-      weights);
+  kernels.weighted_rows(grid, along_rows(strip, taps), weights);
+  kernels.weighted_columns(grid, down_columns(strip, taps), weights);
   fill(strip, number, param);
 }
 
 void tolerant_denoise(uint32_t number, const T_UVDenoiseParam& param) {
-  constexpr int kReach = 5;
+  constexpr int kReach = kTaps11.reach;
   const Strip strip(number, param);
   const Grid grid = grid_of(strip, param);
   const ChromaWindowKernels& kernels = chroma_window_kernels();

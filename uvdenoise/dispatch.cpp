@@ -10,9 +10,23 @@ void run_strip(const void* strip, const void* param, Denoise denoise) {
   denoise(*static_cast<const uint32_t*>(strip), *static_cast<const T_UVDenoiseParam*>(param));
 }
 
-template <int kTaps>
+template <const zavri::Taps& kTaps>
 void weighted(uint32_t strip, const T_UVDenoiseParam& param) {
   zavri::weighted_denoise(kTaps, strip, param);
+}
+
+// A size that does not exist must not switch the filter off.
+const zavri::Taps& taps_of(int8_t kernel_size) {
+  switch (kernel_size) {
+    case 7:
+      return zavri::kTaps7;
+    case 15:
+      return zavri::kTaps15;
+    case 19:
+      return zavri::kTaps19;
+    default:
+      return zavri::kTaps11;
+  }
 }
 
 }  // namespace
@@ -21,28 +35,24 @@ uint32_t zavri_mp_single_UV_denoise(T_UVDenoiseParam*) { return 0; }
 
 void zavri_mp_UV_denoise_inner(const void* strip, const void* param, void*) {
   run_strip(strip, param, [](uint32_t number, const T_UVDenoiseParam& p) {
-    if (p.threshold == 0) return;
-    const int taps = p.kernel_size;
-    // A size that does not exist must not switch the filter off.
-    const bool exists = taps == 7 || taps == 15 || taps == 19;
-    zavri::weighted_denoise(exists ? taps : 11, number, p);
+    if (p.threshold != 0) zavri::weighted_denoise(taps_of(p.kernel_size), number, p);
   });
 }
 
 void zavri_mp_single_UV_denoise_new_inner_7(const void* strip, const void* param, void*) {
-  run_strip(strip, param, weighted<7>);
+  run_strip(strip, param, weighted<zavri::kTaps7>);
 }
 
 void zavri_mp_single_UV_denoise_new_inner_11(const void* strip, const void* param, void*) {
-  run_strip(strip, param, weighted<11>);
+  run_strip(strip, param, weighted<zavri::kTaps11>);
 }
 
 void zavri_mp_single_UV_denoise_new_inner_15(const void* strip, const void* param, void*) {
-  run_strip(strip, param, weighted<15>);
+  run_strip(strip, param, weighted<zavri::kTaps15>);
 }
 
 void zavri_mp_single_UV_denoise_new_inner_19(const void* strip, const void* param, void*) {
-  run_strip(strip, param, weighted<19>);
+  run_strip(strip, param, weighted<zavri::kTaps19>);
 }
 
 void zavri_mp_single_UV_denoise_inner_11(const void* strip, const void* param, void*) {

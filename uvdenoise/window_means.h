@@ -35,8 +35,8 @@ struct WindowSums {
 };
 
 // floor(y / w) for signed y and w in [64, 2^15), with r = reciprocal(w). A negative y is worked as
-// z = ~y, whose quotient is the complement of y's. z * r / 2^16 falls short of z / w by less than
-// z / w / 2^10 + z / 2^16 < 1: the quotient is right or one too small.
+// z = ~y, whose quotient is the complement of y's. As r > 65472 / w - 1, z * r / 2^16 falls short
+// of z / w by less than z / w / 2^10 + z / 2^16 < 1: the quotient is right or one too small.
 ZAVRI_INLINE V16 floor_quotient(V16 y, V16 w, V16 r) {
   const V16 sign = (V16)((S16)y >> 15);
   const V16 z = y ^ sign;

@@ -1,0 +1,57 @@
+#include "tests/support/quotients.h"
+
+#include "simd/weighted_sums.h"
+#if ZAVRI_HAS_WEIGHTED_SUMS
+#include "uvdenoise/window_means.h"
+#endif
+
+namespace zavri::testing {
+
+#if ZAVRI_HAS_WEIGHTED_SUMS
+namespace {
+
+#if defined(__x86_64__) && defined(NDEBUG) && !defined(__SANITIZE_ADDRESS__) && \
+    !defined(__SANITIZE_THREAD__)
+constexpr int kStep = 1;
+#else
+constexpr int kStep = 127;
+#endif
+constexpr int kLanes = kVectorBytes / 2;
+constexpr int kHeaviest = kCentreWeight + kLongestWindow * 127;
+
+void check_quotients_by(int weight, int reciprocal_of_weight, QuotientCheck& check) {
+  const V16 w = splat16(static_cast<unsigned>(weight));
+  const V16 r = splat16(static_cast<unsigned>(reciprocal_of_weight));
+  for (int first = INT16_MIN; first <= INT16_MAX; first += kLanes) {
+    V16 y;
+    for (int i = 0; i < kLanes; ++i) y[i] = static_cast<uint16_t>(first + i);
+    const V16 quotient = floor_quotient(y, w, r);
+    for (int i = 0; i < kLanes; ++i) {
+      const int numerator = first + i;
+      const int expected = (numerator - (numerator < 0 ? weight - 1 : 0)) / weight;
+      check.wrong += static_cast<int16_t>(quotient[i]) != expected;
+      ++check.checked;
+    }
+  }
+}
+
+}  // namespace
+#endif
+
+QuotientCheck check_quotients(ThisBuild) {
+  QuotientCheck check{};
+#if ZAVRI_HAS_WEIGHTED_SUMS
+  for (int weight = kCentreWeight; weight <= kHeaviest; weight += kStep) {
+    // Estimates differ between processors: both ends of what they may give, and what this one does.
+    const int least = 65472 / weight;
+    const int most = 65536 / weight;
+    check_quotients_by(weight, least, check);
+    check_quotients_by(weight, most, check);
+    const V16 estimate = reciprocal(splat16(static_cast<unsigned>(weight)));
+    for (int i = 0; i < kLanes; ++i) check.wrong += estimate[i] < least || estimate[i] > most;
+  }
+#endif
+  return check;
+}
+
+}  // namespace zavri::testing
