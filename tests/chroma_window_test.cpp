@@ -163,10 +163,13 @@ TEST(ChromaWindow, HeaviestWeightsStayWithinTheSums) {
 }
 
 TEST(ChromaWindow, QuotientsAreExact) {
+  uint64_t checked = 0;
   for (const Build build : builds_here()) {
     const QuotientCheck check = check_quotients(build);
     EXPECT_EQ(check.wrong, 0u) << build_name(build) << " of " << check.checked;
+    checked += check.checked;
   }
+  if (checked == 0) GTEST_SKIP() << "all windows take the plain rule";
 }
 
 }  // namespace
