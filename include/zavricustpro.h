@@ -137,22 +137,20 @@ ZAVRI_EXPORT void zavri_mp_yuv_resize_inner(const void* strip, const void* unuse
 
 /* One chroma denoise, read-only for the library. A chroma plane is filtered in place in four strips
  * of q = height/4 rows, the last of which takes the rest; the caller runs them. Only every second
- * pair of every second row is filtered, along its row and then down its column, each with a window
- * of K such pairs; what lies between is interpolated.
+ * pair of every second row, counted from the strip's first, is filtered: along its row and then
+ * down its column, each with a window of K such pairs. What lies between is interpolated.
  *
- * Room. Neither the plane's size nor its stride is checked. With r = (K - 1)/2, width/4 must be at
- * least 15, 24, 28 or 32 for K = 7, 11, 15 or 19, and stride below 32768. From q = 6*r on a call
- * with an even width stays inside the plane's height*stride bytes. Below that, with M = q/2 and
- * L = (height - 3*q)/2,
- *   strip 0 reads from 2*(2*r - M) rows before the plane if M < 2*r;
- *   strip 2 reads and writes up to row 2*q + 2*(M + 2*r - 1);
- *   strip 3 reads up to row 3*q + 2*(3*r - 1);
- * and L must not be below 2*r. The fixed tolerance's own bounds are width/4 >= 10 and L >= 10, and
- * from q = 20 on it stays inside the plane.
+ * Room. Neither the plane's size nor its stride is checked. With r = (K - 1)/2, M = q/2 and
+ * L = (height - 3*q)/2, width is even and at least 60, 96, 112 or 128 for K = 7, 11, 15 or 19 (40
+ * with the fixed tolerance), L at least 2*r, and stride at least width and below 32768. The fixed
+ * tolerance then stays within the width bytes of the plane's rows, and so do all from q = 6*r on.
+ * Below that, strip 0 reads from 2*(2*r - M) rows before the plane if M < 2*r, and strip 3 reads up
+ * to row 3*q + 2*(3*r - 1).
  *
- * Strips 0 to 2 also read the first 2*r filtered rows of the next strip and write the first r of
- * them and its row 0. So the strips may run at the same time, but what these rows become then
- * depends on the order; in ascending order, one after the other, the result is always the same. */
+ * Strips 0 to 2 also read the 2*r filtered rows after their own, which lie in the next strip, write
+ * the first r of them and fill row 0 of the next strip. So the strips may run at the same time, but
+ * what these rows become then depends on timing; one after the other in ascending order, the result
+ * is always the same. */
 typedef struct tagT_UVDenoiseParam {
   uint32_t reserved; /* not read */
   uint32_t width;    /* bytes of a chroma row that hold pairs: the image's width in pixels */

@@ -283,6 +283,8 @@ TEST_F(Zavri, BadInputIsOneLineStatusTwoAndNoFile) {
   write_file(path("bad.png"), {1, 2, 3});
   write_file(path("short.y4m"), encode(random_frame(8, 8, 1), "a.y4m"));
   fs::resize_file(path("short.y4m"), 60);
+  write_file(path("large.ppm"), encode(gradient(96, 160), "large.ppm"));
+  std::ofstream(path("few.txt")) << "64 20 -5";
   const std::vector<std::string> before = files();
   struct {
     const char* arguments;
@@ -304,6 +306,15 @@ TEST_F(Zavri, BadInputIsOneLineStatusTwoAndNoFile) {
       {"view short.y4m -o out.png", "short.y4m: the stream ends within frame 0"},
       {"view photo.png -o photo.png", "--force"},
       {"compare photo.png frame0_64x48.nv12 --size 48x64", "cannot be compared"},
+      {"chroma photo.png --taps 9 -o out.png", "--taps 9: there are 7, 11, 15 and 19"},
+      {"chroma photo.png -o out.png", "64x48 is too small for 11 taps: it takes 96x160"},
+      {"chroma large.ppm --threshold 128 -o out.png", "--threshold"},
+      {"chroma large.ppm --threshold 4 --weights few.txt -o out.png", "--threshold 4"},
+      {"chroma large.ppm --threshold 3 --weights few.txt -o out.png", "outweigh the centre"},
+      {"chroma large.ppm --weights photo.png -o out.png", "photo.png: not a list of numbers"},
+      {"chroma large.ppm --weights few.txt --falloff 3 -o out.png", "--falloff"},
+      {"chroma large.ppm --legacy --threshold 3 -o out.png", "--legacy"},
+      {"chroma large.ppm --legacy --taps 7 -o out.png", "--legacy has 11"},
       {"resize photo.png --to 63x48 -o out.png", "--to"},
       {"resize photo.png --to 128x96 --mode cubic -o out.png", "--mode"},
       {"rnr photo.png --radius 0 -o out.png", "--radius"},
@@ -446,6 +457,57 @@ TEST_F(Zavri, ComposeIsTheLibrarysFrame) {
   EXPECT_NE(run("compose a_64x48.nv12 b_64x48.nv21 --padding 9 --force -o out.png").err, "");
 }
 
+// The chroma denoise of the frame with U first, its plane at its size, strip after strip.
+Frame denoised_by_hand(const Frame& frame, int taps, const std::vector<int>& weights) {
+  Frame result = frame.with_u_first();
+  T_UVDenoiseParam param{};
+  param.width = param.stride = static_cast<uint32_t>(frame.width);
+  param.height = static_cast<uint32_t>(frame.height / 2);
+  param.uv_plane = result.chroma.data();
+  param.kernel_size = static_cast<int8_t>(taps);
+  param.threshold = static_cast<int8_t>(weights.size());
+  std::copy(weights.begin(), weights.end(), param.weight_table);
+  const auto denoise =
+      weights.empty() ? zavri_mp_single_UV_denoise_inner_11 : zavri_mp_UV_denoise_inner;
+  for (uint32_t strip = 0; strip < 4; ++strip) denoise(&strip, &param, nullptr);
+  return result;
+}
+
+TEST_F(Zavri, ChromaIsTheLibrarysFourStrips) {
+  std::ofstream(path("weights.txt")) << "60 50 40\n30 9 9 9";
+  // So tall that no strip needs room around the plane.
+  Frame frame = random_frame(160, 600, 6);
+  for (uint8_t& byte : frame.chroma) byte = static_cast<uint8_t>(100 + byte % 24);
+  frame.order = ChromaOrder::kVu;
+  write_file(path("in_160x600.nv21"), encode(frame, "in.nv21"));
+  struct {
+    const char* arguments;
+    int taps;
+    std::vector<int> weights;
+  } const kCases[] = {
+      {"--threshold 4 --falloff 3", 11, {64, 61, 51, 39}},
+      {"--taps 7 --threshold 2", 7, {64, 39}},
+      {"--taps 19 --threshold 6 --weights weights.txt", 19, {60, 50, 40, 30, 9, 9}},
+      {"--legacy", 11, {}},
+  };
+  for (const auto& c : kCases) {
+    SCOPED_TRACE(c.arguments);
+    const std::string command = "chroma in_160x600.nv21 --force -o out_160x600.nv12 ";
+    const Outcome outcome = run(command + c.arguments);
+    ASSERT_EQ(outcome.status, kDone) << outcome.err;
+    EXPECT_EQ(outcome.err, "");
+    const Frame out = load_frame(path("out_160x600.nv12"), {});
+    EXPECT_EQ(out.chroma, denoised_by_hand(frame, c.taps, c.weights).chroma);
+    EXPECT_EQ(out.luma, frame.luma);
+  }
+  const Outcome parallel = run("chroma in_160x600.nv21 --parallel --force -o out.png");
+  EXPECT_EQ(parallel.status, kDone);
+  EXPECT_NE(parallel.err.find("depend on timing"), std::string::npos);
+  // The smallest plane, whose windows lead out of it.
+  write_file(path("small.ppm"), encode(gradient(96, 160), "small.ppm"));
+  EXPECT_EQ(run("chroma small.ppm -o small.png").status, kDone);
+}
+
 TEST_F(Zavri, ReadsAndWritesStreams) {
   make_burst_files(64, 48);
   ASSERT_EQ(run("view clean_64x48.nv12 -o - >clean.y4m").status, kDone);
@@ -469,6 +531,7 @@ TEST_F(Zavri, DemoWritesPicturesAndNumbersOfAnyPhotograph) {
   const Frame before = load_frame(path("results/frame0_1800x1202.nv12"), {});
   EXPECT_EQ(load_picture(path("results/before.png")).rgb, to_picture(before).rgb);
   EXPECT_EQ(load_picture(path("results/crop.png")).width, 3 * 640);
+  EXPECT_EQ(load_picture(path("results/chroma.png")).width, 1800);
   EXPECT_EQ(load_picture(path("results/resize.png")).width, 2 * 1800);
   EXPECT_EQ(load_picture(path("results/rnr.png")).width, 1800);
   EXPECT_EQ(load_picture(path("results/compose.png")).height, 1200);

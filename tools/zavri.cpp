@@ -147,6 +147,29 @@ void add_compose_settings(CLI::App* command, ComposeSettings& settings) {
       ->capture_default_str();
 }
 
+void add_chroma_settings(CLI::App* command, ChromaOptions& options) {
+  ChromaSettings& settings = options.settings;
+  command->add_option("--taps", settings.taps, "samples of the window: 7, 11, 15 or 19")
+      ->capture_default_str();
+  CLI::Option* const threshold =
+      command->add_option("--threshold", settings.threshold, "differences below this one count")
+          ->check(CLI::Range(1, 127))
+          ->capture_default_str();
+  CLI::Option* const weights = command->add_option(
+      "--weights", options.weights, "file with the weights of the differences 0, 1, 2 ..");
+  CLI::Option* const falloff =
+      command
+          ->add_option("--falloff", settings.falloff,
+                       "sigma of weights that fall as a Gaussian; half the threshold unless given")
+          ->check(CLI::Range(0.1, 1000.0))
+          ->excludes(weights);
+  command->add_flag("--legacy", settings.legacy, "the older filter with its fixed tolerance")
+      ->excludes(threshold)
+      ->excludes(weights)
+      ->excludes(falloff);
+  command->add_flag("--parallel", settings.parallel, "all strips at once, on the library's pool");
+}
+
 int run_program(int argc, char** argv) {
   CommandLine line;
 
@@ -207,6 +230,16 @@ int run_program(int argc, char** argv) {
       ->required();
   add_compose_settings(command, compose.settings);
   add_raw_options(command, compose.raw);
+
+  ChromaOptions chroma;
+  command = line.add("chroma", "denoise the chroma of one frame",
+                     "chroma frame_4000x3000.nv12 --taps 19 --threshold 20 -o out.png", chroma,
+                     run_chroma);
+  command->add_option("IN", chroma.input, "frame")->required();
+  command->add_option("-o", chroma.output, "result, by its extension; - for Y4M on stdout")
+      ->required();
+  add_chroma_settings(command, chroma);
+  add_raw_options(command, chroma.raw);
 
   ViewOptions view;
   command = line.add("view", "turn a frame into a picture, or one format into another",

@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "tools/chroma.h"
 #include "tools/compose.h"
 #include "tools/denoise.h"
 #include "tools/noise.h"
@@ -33,6 +34,15 @@ struct DenoiseOptions {
   DenoiseSettings settings;
 };
 int run_denoise(const DenoiseOptions& options, const Console& console);
+
+struct ChromaOptions {
+  std::string input;
+  std::string output;
+  std::string weights;  // file
+  RawOptions raw;
+  ChromaSettings settings;
+};
+int run_chroma(const ChromaOptions& options, const Console& console);
 
 struct ResizeOptions {
   std::string input;

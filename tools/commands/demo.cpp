@@ -4,6 +4,7 @@
 
 #include "tools/burst.h"
 #include "tools/commands/commands.h"
+#include "tools/commands/demo_steps.h"
 #include "tools/error.h"
 #include "tools/frame_io.h"
 #include "tools/metrics.h"
@@ -15,9 +16,6 @@ constexpr char kDefaultPhotograph[] = "/usr/share/backgrounds/seeding_by_Clement
 constexpr int kFrames = 4;
 constexpr int kRuns = 7;
 constexpr int kCropSide = 640;
-constexpr int kResizeWidth = 1920;  // of the part that is enlarged, at most
-constexpr int kResizeHeight = 1080;
-constexpr int kBand = 64;  // between the two frames of the composition
 
 std::string photograph_of(const DemoOptions& options) {
   if (!options.photograph.empty()) return options.photograph;
@@ -81,88 +79,14 @@ Report quality(const Frame& clean, const Frame& before, const Frame& after) {
   return table;
 }
 
-// Every sample the mean of four.
-Frame halved(const Frame& frame) {
-  Frame half(frame.width / 2, frame.height / 2, frame.order);
-  // Samples of one kind stand `step` bytes apart.
-  const auto reduce = [](const std::vector<uint8_t>& from, std::vector<uint8_t>& to, int width,
-                         size_t step) {
-    const auto stride = static_cast<size_t>(width) * step;
-    for (size_t i = 0; i < to.size(); ++i) {
-      const size_t row = i / stride;
-      const size_t column = i % stride;
-      const size_t at = row * 2 * 2 * stride + column / step * 2 * step + column % step;
-      to[i] = static_cast<uint8_t>(
-          (from[at] + from[at + step] + from[at + 2 * stride] + from[at + 2 * stride + step] + 2) /
-          4);
-    }
-  };
-  reduce(frame.luma, half.luma, half.width, 1);
-  reduce(frame.chroma, half.chroma, half.width / 2, 2);
-  return half;
-}
-
-// A part of the denoised frame, enlarged to twice its size; and what enlarging brings back of the
-// clean one that was halved.
-Report resize_step(const Frame& clean, const Frame& denoised, const std::string& folder) {
-  const int width = std::min(kResizeWidth, clean.width / 4 * 4);
-  const int height = std::min(kResizeHeight, clean.height / 16 * 16);
-  const auto middle = [&](const Frame& frame) {
-    return frame.crop((frame.width - width) / 4 * 2, (frame.height - height) / 4 * 2, width,
-                      height);
-  };
-  const ResizeResult twice = resize(middle(denoised), {2 * width, 2 * height}, kRuns);
-  write_file(folder + "resize.png", encode(twice.frame, "resize.png"));
-  const Frame whole = clean.crop(0, 0, clean.width / 4 * 4, clean.height / 16 * 16);
-  const Frame half = halved(whole);
-  const auto luma_psnr = [&](Scaling scaling) {
-    const Frame back = resize(half, {whole.width, whole.height, scaling}).frame;
-    return decimals(compare(whole, back).front().psnr, 2).dump();
-  };
-  return {{"operation", "resize"},
-          {"milliseconds", decimals(1e3 * twice.seconds, 1)},
-          {"picture", "resize.png"},
-          {"outcome", "half size enlarged back: luma PSNR " + luma_psnr(Scaling::kPoly) +
-                          ", bilinear " + luma_psnr(Scaling::kBilinear)}};
-}
-
-// The blur that grows from the centre outwards, on the noisy frame.
-Report rnr_step(const Frame& clean, const Frame& before, const std::string& folder) {
-  const RadialResult radial = reduce_radially(before, RadialSettings(), kRuns);
-  write_file(folder + "rnr.png", encode(radial.frame, "rnr.png"));
-  const auto luma_psnr = [&](const Frame& frame) {
-    return decimals(compare(clean, frame).front().psnr, 2).dump();
-  };
-  return {{"operation", "rnr"},
-          {"milliseconds", decimals(1e3 * radial.seconds, 1)},
-          {"picture", "rnr.png"},
-          {"outcome", "luma PSNR " + luma_psnr(before) + " to " + luma_psnr(radial.frame)}};
-}
-
-// Before and after in one frame. It is exact for a height that is a multiple of 8, and when the
-// band leaves a multiple of 4 of the width.
-Report compose_step(const Frame& before, const Frame& after, const std::string& folder) {
-  const auto upper = [](const Frame& frame) {
-    return frame.crop(0, 0, frame.width, frame.height / 8 * 8);
-  };
-  const ComposeSettings middle{Pad::kCenter, kBand + before.width % 4};
-  const Composed composed = compose(upper(before), upper(after), middle, kRuns);
-  write_file(folder + "compose.png", encode(composed.frame, "compose.png"));
-  return {{"operation", "compose"},
-          {"milliseconds", decimals(1e3 * composed.seconds, 1)},
-          {"picture", "compose.png"},
-          {"outcome", "before and after"}};
-}
-
 }  // namespace
 
 int run_demo(const DemoOptions& options, const Console& console) {
   const std::string photograph = photograph_of(options);
   const std::string folder = options.folder + '/';
-  for (const char* name :
-       {"before.png", "after.png", "crop.png", "resize.png", "rnr.png", "compose.png"}) {
-    check_output(folder + name, console.force);
-  }
+  std::vector<std::string> pictures = further_pictures();
+  pictures.insert(pictures.end(), {"before.png", "after.png", "crop.png"});
+  for (const std::string& name : pictures) check_output(folder + name, console.force);
   console.progress("making " + std::to_string(kFrames) + " noisy frames of " + photograph);
   const BurstFrames burst =
       make_burst(load_picture(photograph), options.sensor, options.seed, kFrames);
@@ -183,10 +107,8 @@ int run_demo(const DemoOptions& options, const Console& console) {
   write_file(folder + "crop.png",
              encode(side_by_side({&before, &result.frame, &burst.clean}, busiest_part(burst.clean)),
                     "crop.png"));
-  Report further = Report::array();
-  further.push_back(resize_step(burst.clean, result.frame, folder));
-  further.push_back(rnr_step(burst.clean, before, folder));
-  further.push_back(compose_step(before, result.frame, folder));
+  console.progress("running the other operations");
+  const Report further = further_operations({burst.clean, before, result.frame, folder, kRuns});
 
   console.print({{"photograph", photograph},
                  {"size", before.size()},

@@ -1,0 +1,102 @@
+// The chroma denoise on planes of every shape that the header admits, in every build. The memory
+// ends where zavricustpro.h says that the strips stop reading.
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <iterator>
+#include <vector>
+
+#include "include/zavricustpro.h"
+#include "platform/log.h"
+#include "tests/support/use_build.h"
+
+extern "C" int __android_log_print(int, const char*, const char*, ...) { return 0; }
+
+namespace {
+
+using zavri::Build;
+
+struct Filter {
+  ThreadPoolTaskFunc strip;
+  uint32_t reach;
+  uint32_t columns;
+  bool borders;
+};
+constexpr Filter kFilters[] = {{zavri_mp_single_UV_denoise_new_inner_7, 3, 15, true},
+                               {zavri_mp_single_UV_denoise_new_inner_11, 5, 24, true},
+                               {zavri_mp_single_UV_denoise_new_inner_15, 7, 28, true},
+                               {zavri_mp_single_UV_denoise_new_inner_19, 9, 32, true},
+                               {zavri_mp_single_UV_denoise_inner_11, 5, 10, false}};
+
+// Reads the input; zeros follow its end.
+class Input {
+ public:
+  Input(const uint8_t* data, size_t size) : data_(data), end_(data + size) {}
+
+  uint8_t byte() { return data_ == end_ ? uint8_t{0} : *data_++; }
+  uint32_t below(uint32_t limit) { return byte() % limit; }
+
+ private:
+  const uint8_t* data_;
+  const uint8_t* end_;
+};
+
+// Rows before the plane, and rows from its first on, that the strips may touch.
+struct Room {
+  uint32_t before;
+  uint32_t rows;
+};
+
+Room room_for(const T_UVDenoiseParam& p, const Filter& filter) {
+  if (!filter.borders) return {0, p.height};
+  const uint32_t r = filter.reach;
+  const uint32_t q = p.height / 4;
+  const uint32_t m = q / 2;
+  return {m < 2 * r ? 2 * (2 * r - m) : 0, std::max(p.height, 3 * q + 2 * (3 * r - 1) + 1)};
+}
+
+// The weights stay below what could add up to nothing.
+void read_weights(Input& input, T_UVDenoiseParam& param) {
+  param.threshold = static_cast<int8_t>(input.byte());
+  const auto heaviest = static_cast<int>(input.below(128));
+  const int least = input.below(4) == 0 ? -3 : 0;
+  for (int8_t& weight : param.weight_table) {
+    weight = static_cast<int8_t>(least + static_cast<int>(input.byte()) % (heaviest - least + 1));
+  }
+}
+
+std::vector<uint8_t> denoised(const std::vector<uint8_t>& bytes, const Room& room,
+                              T_UVDenoiseParam param, ThreadPoolTaskFunc strip, Build build) {
+  std::vector<uint8_t> result = bytes;
+  param.uv_plane = result.data() + size_t{room.before} * param.stride;
+  const zavri::testing::UseBuild use(build);
+  for (uint32_t k = 0; k < 4; ++k) strip(&k, &param, nullptr);
+  return result;
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+  Input input(data, size);
+  const Filter& filter = kFilters[input.below(std::size(kFilters))];
+  T_UVDenoiseParam param{};
+  param.width = 4 * filter.columns + 2 * input.below(70);
+  param.height = 16 * filter.reach - 3 + input.below(40);
+  param.stride = param.width + input.below(9);
+  const Room room = room_for(param, filter);
+  const uint32_t spread = 1 + input.byte();
+  uint32_t state = input.byte();
+  read_weights(input, param);
+
+  std::vector<uint8_t> bytes(size_t{room.before + room.rows - 1} * param.stride + param.width);
+  for (uint8_t& byte : bytes) {
+    state = state * 1664525 + 1013904223;
+    byte = static_cast<uint8_t>(60 + (state >> 24) % spread);
+  }
+  const std::vector<uint8_t> expected = denoised(bytes, room, param, filter.strip, Build::kPlain);
+  for (const Build build : zavri::testing::builds_here()) {
+    if (denoised(bytes, room, param, filter.strip, build) != expected) abort();
+  }
+  return 0;
+}
