@@ -31,7 +31,7 @@ Strip::Strip(uint32_t number, const T_UVDenoiseParam& param) : last(number >= kL
 
 // The grid's rows are addressed with the low 15 bits of the stride.
 Grid grid_of(const Strip& strip, const T_UVDenoiseParam& param) {
-  const auto row_step = static_cast<ptrdiff_t>(2 * (param.stride & 0x7fff));
+  const ptrdiff_t row_step = 2 * static_cast<ptrdiff_t>(param.stride & 0x7fff);
   return {strip.start, strip.grid_rows, strip.grid_columns, row_step};
 }
 

@@ -82,7 +82,7 @@ bool takes_chroma(const Frame& frame) {
 }
 
 // The chroma denoise of the noisy frame alone.
-Report denoise_chroma(const DemoFrames& demo) {
+Report filter_chroma(const DemoFrames& demo) {
   ChromaSettings settings;
   settings.taps = kChromaTaps;
   const ChromaResult result = denoise_chroma(demo.noisy, settings, demo.runs);
@@ -121,7 +121,7 @@ struct Step {
   Report (*run)(const DemoFrames& demo);
 };
 constexpr Step kSteps[] = {{"resize.png", takes_any, enlarge},
-                           {"chroma.png", takes_chroma, denoise_chroma},
+                           {"chroma.png", takes_chroma, filter_chroma},
                            {"rnr.png", takes_any, blur_radially},
                            {"compose.png", takes_any, compose_both}};
 
