@@ -34,8 +34,8 @@ uint8_t gaussian_at(const uint8_t* plane, int width, int height, int x, int y) {
 
 }  // namespace zavri::testing
 
-void fcvFilterGaussian5x5u8(const uint8_t* src, uint32_t src_width, uint32_t src_height, uint8_t* dst,
-                            int blur_border) {
+void fcvFilterGaussian5x5u8(const uint8_t* src, uint32_t src_width, uint32_t src_height,
+                            uint8_t* dst, int blur_border) {
   {
     const std::lock_guard<std::mutex> lock(zavri::testing::g_mutex);
     zavri::testing::g_calls.push_back({src, src_width, src_height, dst, blur_border});
