@@ -1,7 +1,7 @@
 #pragma once
 
 // What filters with a table of weights need beyond simd/vec.h: byte tables, sums of products of
-// bytes in 16 bits, reciprocals. Only for targets that look bytes up in registers; elsewhere such a
+// bytes in 16 bits. Only for targets that look bytes up in registers; elsewhere such a
 // filter is faster sample by sample.
 
 #include "simd/vec.h"
@@ -74,7 +74,6 @@ ZAVRI_INLINE Wide widen(V8 low_bytes, V8 high_bytes) {
 //                             weights are up to 127
 //   narrow(Wide)              the lanes as bytes; all are in [-128, 127]
 //   high_product(a, b)        (a * b) >> 16, for a and b below 2^15
-//   reciprocal(w)             from 65472 / w to 65536 / w, both rounded down, for w in [64, 2^15)
 //   split_cells(quads, &first, &second)  the first and the second bytes of the 4-byte cells of four
 //                             vectors: those of each vector's first half in turn, then those of the
 //                             second halves
@@ -129,23 +128,6 @@ ZAVRI_INLINE S8 narrow(Wide wide) {
 
 ZAVRI_INLINE V16 high_product(V16 a, V16 b) {
   return (V16)ZAVRI_MM(mulhi_epu16, (Native)a, (Native)b);
-}
-
-ZAVRI_INLINE V16 reciprocal(V16 w) {
-  // The estimate is off by up to 1.5 / 4096 either way: scaled down by 2 / 4096, it is never above.
-  constexpr float kScale = 65536.0f * (1.0f - 2.0f / 4096);
-  const auto scaled = [](Native lanes) {
-#if ZAVRI_VECTOR_BYTES == 32
-    const __m256 estimate = _mm256_rcp_ps(_mm256_cvtepi32_ps(lanes));
-    return _mm256_cvttps_epi32(_mm256_mul_ps(estimate, _mm256_set1_ps(kScale)));
-#else
-    const __m128 estimate = _mm_rcp_ps(_mm_cvtepi32_ps(lanes));
-    return _mm_cvttps_epi32(_mm_mul_ps(estimate, _mm_set1_ps(kScale)));
-#endif
-  };
-  const Native lower = scaled((Native)zip_lower(w, V16{}));
-  const Native upper = scaled((Native)zip_upper(w, V16{}));
-  return (V16)ZAVRI_MM(packs_epi32, lower, upper);
 }
 
 ZAVRI_INLINE void split_cells(const V8* quads, V8* first, V8* second) {
@@ -216,17 +198,6 @@ ZAVRI_INLINE S8 narrow(Wide wide) {
 
 ZAVRI_INLINE V16 high_product(V16 a, V16 b) {
   return (V16)vqdmulhq_s16((int16x8_t)a, (int16x8_t)b) >> 1;
-}
-
-ZAVRI_INLINE V16 reciprocal(V16 w) {
-  // One step from the 8-bit estimate; it comes from below, up to the last bit of a float.
-  const auto scaled = [](uint16x4_t lanes) {
-    const float32x4_t f = vcvtq_f32_u32(vmovl_u16(lanes));
-    const float32x4_t estimate = vrecpeq_f32(f);
-    return vmovn_u32(vcvtq_n_u32_f32(vmulq_f32(estimate, vrecpsq_f32(f, estimate)), 16));
-  };
-  const auto lanes = (uint16x8_t)w;
-  return (V16)vcombine_u16(scaled(vget_low_u16(lanes)), scaled(vget_high_u16(lanes)));
 }
 
 ZAVRI_INLINE void split_cells(const V8* quads, V8* first, V8* second) {

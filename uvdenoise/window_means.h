@@ -34,9 +34,27 @@ struct WindowSums {
   }
 };
 
-// floor(y / w) for signed y and w in [64, 2^15), with r = reciprocal(w). A negative y is worked as
-// z = ~y, whose quotient is the complement of y's. As r > 65472 / w - 1, z * r / 2^16 falls short
-// of z / w by less than z / w / 2^10 + z / 2^16 < 1: the quotient is right or one too small.
+// 2^16 / w, rounded down, for every sum of weights that a window may have.
+struct WeightReciprocals {
+  static constexpr int kMost = kCentreWeight + kLongestWindow * INT8_MAX;
+
+  uint16_t of[kMost + 1];
+
+  constexpr WeightReciprocals() : of{} {
+    for (int w = kCentreWeight; w <= kMost; ++w) of[w] = static_cast<uint16_t>((1 << 16) / w);
+  }
+
+  ZAVRI_INLINE V16 lookup(V16 w) const {
+    V16 r;
+    for (size_t i = 0; i < kVectorBytes / 2; ++i) r[i] = of[w[i]];
+    return r;
+  }
+};
+constexpr WeightReciprocals kWeightReciprocals;
+
+// floor(y / w) for signed y, with r = kWeightReciprocals.of[w]. A negative y is worked as z = ~y,
+// whose quotient is the complement of y's. As r > 2^16 / w - 1, z * r / 2^16 falls short of z / w
+// by less than z / 2^16 < 1: rounded down, it is the quotient or one less.
 ZAVRI_INLINE V16 floor_quotient(V16 y, V16 w, V16 r) {
   const V16 sign = (V16)((S16)y >> 15);
   const V16 z = y ^ sign;
@@ -68,7 +86,7 @@ class WeightedMean {
 
   ZAVRI_INLINE static Cell mean(const WindowSums& sums, Cell centre) {
     const Wide& w = sums.weight;
-    const Wide r = {reciprocal(w.lower), reciprocal(w.upper)};
+    const Wide r = {kWeightReciprocals.lookup(w.lower), kWeightReciprocals.lookup(w.upper)};
     const auto moved = [&](S8 sample, const Wide& sum) {
       const S8 by = narrow({floor_quotient(sum.lower + (w.lower >> 1), w.lower, r.lower),
                             floor_quotient(sum.upper + (w.upper >> 1), w.upper, r.upper)});
