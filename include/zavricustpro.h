@@ -95,7 +95,8 @@ ZAVRI_EXPORT void zavri_mp_3D_YUV_denoise_inner(const void* strip, const void* p
  * The frame is scaled in four strips, each by itself. With q = height/4, rounded up to even, strips
  * 0..2 have q luma rows and strip 3 the rest, in source and destination alike. For heights that are
  * multiples of 8 the strips show the same parts of the picture; otherwise the rows at their borders
- * shift. A height of 6 leaves the last strip empty, and an empty strip scales to nothing.
+ * shift. Heights of 6 and 12 leave the last strip empty. Where a strip of the source is empty, that
+ * of the destination keeps its luma, and its chroma becomes undefined.
  *
  * A height of 4 or 5, of source or destination, must not be used: three strips are higher than the
  * frame, the last one's 16-bit height wraps to 65534 or 65535 rows, and the call runs that far

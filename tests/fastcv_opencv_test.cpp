@@ -1,4 +1,4 @@
-// The portable functions beside OpenCV's, which share none of their code or arithmetic.
+// The portable scaler beside OpenCV's, which shares none of its code or arithmetic.
 #include <gtest/gtest.h>
 
 #include <opencv2/imgproc.hpp>
@@ -8,11 +8,17 @@
 namespace {
 
 TEST(FastcvBesideOpenCv, BilinearIsInterLinearExact) {
+  // Below 256 columns and rows no weight lies half way between two of 1/256. Where one does, ours
+  // goes to the even one, OpenCV's where the rounding of a double sends it: one level apart at
+  // most.
   cv::RNG random(1);
   for (int round = 0; round < 3000; ++round) {
-    cv::Mat from(random.uniform(1, 90), random.uniform(1, 90), CV_8U);
+    const bool is_photo = round == 0;
+    cv::Mat from(is_photo ? 1080 : random.uniform(1, 90), is_photo ? 1920 : random.uniform(1, 90),
+                 CV_8U);
     random.fill(from, cv::RNG::UNIFORM, 0, 256);
-    const cv::Size size(random.uniform(1, 200), random.uniform(1, 200));
+    const cv::Size size =
+        is_photo ? cv::Size(3840, 2160) : cv::Size(random.uniform(1, 200), random.uniform(1, 200));
     cv::Mat expected;
     cv::resize(from, expected, size, 0, 0, cv::INTER_LINEAR_EXACT);
     cv::Mat actual(size, CV_8U);
@@ -20,19 +26,6 @@ TEST(FastcvBesideOpenCv, BilinearIsInterLinearExact) {
                          size.height, actual.step, zavri::kInterpolateBilinear),
               0);
     ASSERT_EQ(cv::countNonZero(actual != expected), 0) << from.size() << " to " << size;
-  }
-}
-
-TEST(FastcvBesideOpenCv, GaussianIsGaussianBlur) {
-  cv::RNG random(2);
-  for (int round = 0; round < 200; ++round) {
-    cv::Mat from(random.uniform(1, 90), random.uniform(1, 90), CV_8U);
-    random.fill(from, cv::RNG::UNIFORM, 0, 256);
-    cv::Mat expected;
-    cv::GaussianBlur(from, expected, {5, 5}, 0, 0, cv::BORDER_REPLICATE);
-    cv::Mat actual(from.size(), CV_8U);
-    fcvFilterGaussian5x5u8(from.data, from.cols, from.rows, actual.data, 1);
-    ASSERT_EQ(cv::countNonZero(actual != expected), 0) << from.size();
   }
 }
 

@@ -6,29 +6,30 @@
 #include <thread>
 
 #include "include/zavricustpro.h"
+#include "interface/process_lock.h"
 #include "resize/chroma_channels.h"
 #include "tests/support/allocations.h"
 #include "tests/support/log_capture.h"
 #include "tests/support/samples.h"
 #include "tests/support/scaler_calls.h"
+#include "tests/support/thread_faults.h"
 #include "tests/support/use_build.h"
 
 namespace zavri::testing {
 namespace {
 
 const LogLine kBegin{6, "ZVC", "zavri-mp::resize begin"};
-const LogLine kEnd{6, "ZVC", "zavri-mp::resize end"};
 const LogLine kParameterError{6, "ZVC", "zavri-mp::resize para error !!!"};
 const LogLine kDownScale{6, "ZVC", "zavri-mp::down scale. sorry, It is not surpport now."};
 
-// The lines with tag ZVC: the pool's own are not looked at.
-std::vector<LogLine> take_lines() {
-  std::vector<LogLine> lines = take_log();
-  lines.erase(std::remove_if(lines.begin(), lines.end(),
-                             [](const LogLine& line) { return line.tag != "ZVC"; }),
-              lines.end());
-  return lines;
-}
+// All lines of a call that creates the pool.
+const std::vector<LogLine> kDone = {kBegin,
+                                    {0, kWatchTag, "lock"},
+                                    {2, "Defog", "Constructed ThreadPool of size 4."},
+                                    {2, "Defog", "4 threads created by the thread pool"},
+                                    {0, kWatchTag, "unlock"},
+                                    {6, "ZVC", "zavri-mp::resize end"},
+                                    {0, kWatchTag, "destroy condition"}};
 
 struct Geometry {
   uint16_t width, height, stride;
@@ -77,6 +78,7 @@ TEST(ResizeEntry, TestsInOrderAndSaysWhy) {
   constexpr Case kCases[] = {
       {"as it is", [](T_ResizeParam&) {}, 0, 12},
       {"odd heights", [](T_ResizeParam& p) { p.src_height = p.dst_height = 7; }, 0, 12},
+      {"wide", [](T_ResizeParam& p) { p.dst_width = 0x8000; }, 0, 12},
       {"unknown mode", [](T_ResizeParam& p) { p.scale_mode = 7; }, 0, 0},
       {"no src_y", [](T_ResizeParam& p) { p.src_y = nullptr; }, 2, 0},
       {"no src_uv", [](T_ResizeParam& p) { p.src_uv = nullptr; }, 2, 0},
@@ -100,15 +102,19 @@ TEST(ResizeEntry, TestsInOrderAndSaysWhy) {
   for (const Case& c : kCases) {
     Resize resize({16, 16, 16}, {32, 32, 32});
     c.change(resize.param);
-    take_lines();
-    const RecordScalerCalls record;
+    HALThreadPoolDestroy();
+    take_log();
+    const WatchMutex watch(&g_mp_process_lock);
+    take_scaler_calls();
     EXPECT_EQ(zavri_mp_resize_process(&resize.param), c.code) << c.what;
-    const LogLine& second = c.code == 0 ? kEnd : c.code == 1 ? kDownScale : kParameterError;
-    EXPECT_EQ(take_lines(), (std::vector<LogLine>{kBegin, second})) << c.what;
-    EXPECT_EQ(record.calls().size(), c.calls) << c.what;
+    EXPECT_EQ(take_log(), c.code == 0   ? kDone
+                          : c.code == 1 ? (std::vector<LogLine>{kBegin, kDownScale})
+                                        : (std::vector<LogLine>{kBegin, kParameterError}))
+        << c.what;
+    EXPECT_EQ(take_scaler_calls().size(), c.calls) << c.what;
   }
   EXPECT_EQ(zavri_mp_resize_process(nullptr), 2u);
-  EXPECT_EQ(take_lines(), (std::vector<LogLine>{kBegin, kParameterError}));
+  EXPECT_EQ(take_log(), (std::vector<LogLine>{kBegin, kParameterError}));
 }
 
 struct StripCase {
@@ -147,12 +153,13 @@ TEST(ResizeEntry, ScalesEveryStripPlaneByPlane) {
       SCOPED_TRACE(::testing::Message()
                    << c.src.height << " to " << c.dst.height << " mode " << mode);
       Resize resize(c.src, c.dst, mode);
-      const RecordScalerCalls record;
+      take_scaler_calls();
       ASSERT_EQ(zavri_mp_resize_process(&resize.param), 0u);
-      ASSERT_EQ(record.calls().size(), 12u);
+      const std::vector<ScalerCall> all = take_scaler_calls();
+      ASSERT_EQ(all.size(), 12u);
       // A thread works its strips one after the other.
       std::map<std::thread::id, std::vector<ScalerCall>> of_thread;
-      for (const ScalerCall& call : record.calls()) of_thread[call.thread].push_back(call);
+      for (const ScalerCall& call : all) of_thread[call.thread].push_back(call);
       std::array<int, 4> seen{};
       for (const auto& [thread, calls] : of_thread) {
         ASSERT_EQ(calls.size() % 3, 0u);
@@ -166,7 +173,12 @@ TEST(ResizeEntry, ScalesEveryStripPlaneByPlane) {
             }
             seen[strip]++;
             for (int plane = 0; plane < 3; ++plane) {
-              EXPECT_EQ(calls[i + plane], expected_call(c, strip, plane, mode));
+              ScalerCall expected = expected_call(c, strip, plane, mode);
+              if (expected.src_height > 0) {
+                expected.first = plane == 0 ? resize.src_y[src_offset]
+                                            : resize.src_uv[src_offset / 2 + plane - 1];
+              }
+              EXPECT_EQ(calls[i + plane], expected);
             }
             break;
           }
@@ -180,83 +192,40 @@ TEST(ResizeEntry, ScalesEveryStripPlaneByPlane) {
 // The recording scaler inverts bytes; whole chroma rows pass through it, padding included.
 TEST(ResizeEntry, SplitsAndMergesWholeChromaRows) {
   for (const Geometry g : {Geometry{16, 16, 16}, Geometry{20, 64, 26}, Geometry{16, 23, 18}}) {
-    for (const Build build : builds_here()) {
-      const UseBuild use(build);
-      Resize resize(g, g, 1);
-      std::vector<uint8_t> expected = resize.src_uv;
-      for (uint8_t& byte : expected) byte = static_cast<uint8_t>(~byte);
-      const RecordScalerCalls record;
-      ASSERT_EQ(zavri_mp_resize_process(&resize.param), 0u);
-      // An odd last strip has half a row more than the scaler is told of.
-      const size_t scaled = size_t{g.height / 2u} * g.stride;
-      expected.resize(scaled);
-      resize.dst_uv.resize(scaled);
-      EXPECT_EQ(resize.dst_uv, expected) << build_name(build) << ' ' << g.height;
-    }
+    Resize resize(g, g, 1);
+    std::vector<uint8_t> expected = resize.src_uv;
+    for (uint8_t& byte : expected) byte = static_cast<uint8_t>(~byte);
+    ASSERT_EQ(zavri_mp_resize_process(&resize.param), 0u);
+    // An odd last strip has half a row more than the scaler is told of.
+    const size_t scaled = size_t{g.height / 2u} * g.stride;
+    expected.resize(scaled);
+    resize.dst_uv.resize(scaled);
+    EXPECT_EQ(resize.dst_uv, expected) << g.height;
   }
 }
 
-// Whatever the scratch holds, it is hardly full of one value.
 TEST(ResizeStrip, UnknownModeLeavesLumaAndWritesScratchToChroma) {
   Resize resize({64, 64, 64}, {128, 128, 128}, 2);
-  constexpr uint8_t kUntouched = 0xa7;
-  std::fill(resize.dst_uv.begin(), resize.dst_uv.end(), kUntouched);
-  const RecordScalerCalls record;
+  take_scaler_calls();
+  const WatchAllocations watch;
   zavri_mp_yuv_resize_inner(&resize.param, nullptr, nullptr);
-  EXPECT_TRUE(record.calls().empty());
+  EXPECT_TRUE(take_scaler_calls().empty());
   EXPECT_EQ(resize.dst_y, std::vector<uint8_t>(resize.dst_y.size(), 7));
-  const auto untouched = std::count(resize.dst_uv.begin(), resize.dst_uv.end(), kUntouched);
-  EXPECT_LT(untouched, static_cast<ptrdiff_t>(resize.dst_uv.size() / 4));
+  EXPECT_EQ(resize.dst_uv, std::vector<uint8_t>(resize.dst_uv.size(), WatchAllocations::kFill));
 }
 
 TEST(ResizeStrip, ScratchIsFourBlocksEvenForAnEmptyStrip) {
   for (const uint16_t rows : {0, 7, 8}) {
     Resize resize({16, 8, 18}, {32, 16, 32});
     resize.param.src_height = rows;
-    const RecordScalerCalls record;
+    take_scaler_calls();
     const WatchAllocations watch;
     zavri_mp_yuv_resize_inner(&resize.param, nullptr, nullptr);
     const size_t of_source = 1 + 18 * rows / 4;
     const size_t of_target = 1 + 32 * 16 / 4;
     EXPECT_EQ(watch.sizes, (std::vector<size_t>{of_source, of_source, of_target, of_target}));
     EXPECT_EQ(watch.freed, 4u);
-    EXPECT_EQ(record.calls().size(), 3u);
-  }
-}
-
-// With the true scaler: strips do not depend on one another, nor two calls at a time.
-TEST(ResizeEntry, TwoCallersGetWhatTheStripsGiveInTurn) {
-  for (const uint16_t mode : {uint16_t{0}, uint16_t{1}}) {
-    Resize expected({98, 64, 100}, {130, 128, 142}, mode);
-    for (int k = 0; k < 4; ++k) {
-      T_ResizeParam strip = expected.param;
-      strip.src_height = 16;
-      strip.dst_height = 32;
-      strip.src_y += k * 16 * 100;
-      strip.src_uv += k * 8 * 100;
-      strip.dst_y += k * 32 * 142;
-      strip.dst_uv += k * 16 * 142;
-      zavri_mp_yuv_resize_inner(&strip, nullptr, nullptr);
-    }
-    EXPECT_NE(expected.dst_y[0], 7);
-    const auto visible = [](const std::vector<uint8_t>& plane) {
-      std::vector<uint8_t> bytes;
-      for (size_t i = 0; i < plane.size(); ++i) {
-        if (i % 142 < 130) bytes.push_back(plane[i]);
-      }
-      return bytes;
-    };
-    const auto run = [&] {
-      for (int round = 0; round < 20; ++round) {
-        Resize actual({98, 64, 100}, {130, 128, 142}, mode);
-        zavri_mp_resize_process(&actual.param);
-        EXPECT_EQ(actual.dst_y, expected.dst_y);
-        EXPECT_EQ(visible(actual.dst_uv), visible(expected.dst_uv));
-      }
-    };
-    std::thread other(run);
-    run();
-    other.join();
+    EXPECT_EQ(take_scaler_calls().size(), 3u);
   }
 }
 

@@ -69,7 +69,8 @@ std::pair<int, int> parse_size(const std::string& text, const std::string& argum
       return {width, height};
     }
   }
-  throw Error(argument + " " + text + ": a size is WxH, both even, such as 4000x3000");
+  throw Error(argument + " " + text +
+              ": a size is WxH, both even and at most 65534, such as 4000x3000");
 }
 
 ChromaOrder parse_order(const std::string& pixel) {

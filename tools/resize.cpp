@@ -3,6 +3,7 @@
 #include <zavricustpro.h>
 
 #include <algorithm>
+#include <array>
 
 #include "tools/error.h"
 #include "tools/timing.h"
@@ -10,32 +11,48 @@
 namespace zavri::tools {
 namespace {
 
-constexpr int kLargestSide = 65535;  // the record's sizes have 16 bits
+constexpr int kLargestSide = 65534;  // even, and the record's sizes have 16 bits
 constexpr uint32_t kReduction = 1;
 
-void check(const Frame& from, const Frame& to) {
+std::string size_of(const ResizeSettings& settings) {
+  return std::to_string(settings.width) + 'x' + std::to_string(settings.height);
+}
+
+// Luma rows of the library's strips: of each of the first three, and of the last.
+std::array<int, 2> strip_rows(int height) {
+  const int rows = height / 4 + height / 4 % 2;
+  return {rows, height - 3 * rows};
+}
+
+// What the library does not refuse itself, though it then writes where nothing is, or leaves rows
+// unwritten.
+void check(const Frame& from, const ResizeSettings& to) {
+  if (to.width < from.width || to.height < from.height) return;  // refused
   if (std::max({from.width, from.height, to.width, to.height}) > kLargestSide) {
-    throw Error(from.size() + " to " + to.size() + ": at most 65535 pixels a side");
+    throw Error(from.size() + " to " + size_of(to) + ": at most 65534 pixels a side");
   }
-  const std::string sizes = from.size() + " to " + to.size();
-  for (const int height : {from.height, to.height}) {
-    // The library does not refuse these itself, and writes where nothing is.
-    if (height == 4 || height == 5) {
-      throw Error(sizes + ": the library has no guard for a height of 4 or 5, where three of its " +
-                      "strips are higher than the frame",
+  const std::array<int, 2> source = strip_rows(from.height);
+  const std::array<int, 2> target = strip_rows(to.height);
+  if (source[1] < 0 || target[1] < 0) {
+    throw Error(from.size() + " to " + size_of(to) +
+                    ": three of the library's strips are higher than a frame of 4 or 5 rows",
+                kRefused);
+  }
+  for (size_t i = 0; i < source.size(); ++i) {
+    if (source[i] == 0 && target[i] != 0) {
+      throw Error(from.size() + " to " + size_of(to) +
+                      ": one of the library's strips has no rows in the input and " +
+                      std::to_string(target[i]) + " in the result",
                   kRefused);
     }
-  }
-  if (from.height < 8 && from.height != to.height) {
-    throw Error(sizes + ": below 8 rows strips of the source are empty");
   }
 }
 
 }  // namespace
 
 ResizeResult resize(const Frame& frame, const ResizeSettings& settings, int runs) {
+  check(frame, settings);
   ResizeResult result{Frame(settings.width, settings.height, frame.order), 0};
-  check(frame, result.frame);
   T_ResizeParam param{};
   param.scale_mode = static_cast<uint16_t>(settings.scaling);
   param.src_width = param.src_stride = static_cast<uint16_t>(frame.width);
@@ -65,6 +82,7 @@ ResizeResult resize(const Frame& frame, const ResizeSettings& settings, int runs
 }
 
 std::string remark(const Frame& frame, const ResizeSettings& settings) {
+  if (frame.height == settings.height) return {};
   if (frame.height % 8 == 0 && settings.height % 8 == 0) return {};
   return "heights that are not multiples of 8: strips are scaled one by one, and rows shift at "
          "their borders";

@@ -99,24 +99,37 @@ void add_threshold(CLI::App* command, const char* name, int& value, const char* 
       ->type_name("N|auto");
 }
 
-void add_denoise_settings(CLI::App* command, DenoiseSettings& settings) {
+// An option whose values have names.
+template <class Value>
+void add_choice(CLI::App* command, const char* name,
+                const std::vector<std::pair<const char*, Value>>& choices, Value& value,
+                const char* what) {
+  std::string names;
+  for (const auto& choice : choices)
+    names += (names.empty() ? "" : ", ") + std::string(choice.first);
   command
       ->add_option_function<std::string>(
-          "--mode",
-          [&settings](const std::string& text) {
-            const std::map<std::string, Merge> modes{{"whole", Merge::kWhole},
-                                                     {"edges", Merge::kEdges},
-                                                     {"edges-luma", Merge::kEdgesLuma},
-                                                     {"chroma", Merge::kChroma}};
-            const auto found = modes.find(text);
-            if (found == modes.end()) {
-              throw CLI::ValidationError("--mode " + text,
-                                         "a mode is whole, edges, edges-luma or chroma");
+          name,
+          [=, &value](const std::string& text) {
+            for (const auto& choice : choices) {
+              if (text == choice.first) {
+                value = choice.second;
+                return;
+              }
             }
-            settings.merge = found->second;
+            throw CLI::ValidationError(std::string(name) + ' ' + text, "there are " + names);
           },
-          "whole, edges, edges-luma or chroma; the edges for a gain below 16")
-      ->type_name("MODE");
+          what + (": " + names))
+      ->type_name("NAME");
+}
+
+void add_denoise_settings(CLI::App* command, DenoiseSettings& settings) {
+  add_choice<Merge>(command, "--mode",
+                    {{"whole", Merge::kWhole},
+                     {"edges", Merge::kEdges},
+                     {"edges-luma", Merge::kEdgesLuma},
+                     {"chroma", Merge::kChroma}},
+                    settings.merge, "what is merged, the edges only for a gain below 16");
   add_threshold(command, "--thresh", settings.thresh, "of chroma, scaled by the frame's size");
   add_threshold(command, "--thresh-luma", settings.thresh_luma, "of luma, scaled likewise");
   command->add_option("--gain", settings.gain, "sensor gain of the record")
@@ -137,11 +150,12 @@ void add_radial_settings(CLI::App* command, RadialSettings& settings) {
 }
 
 void add_compose_settings(CLI::App* command, ComposeSettings& settings) {
-  const std::map<std::string, Pad> places{
-      {"left", Pad::kLeft}, {"right", Pad::kRight}, {"center", Pad::kCenter}, {"both", Pad::kBoth}};
-  command->add_option("--pad", settings.pad, "where the padding stands: left, right, center, both")
-      ->transform(CLI::Transformer(places))
-      ->type_name("PLACE");
+  add_choice<Pad>(command, "--pad",
+                  {{"left", Pad::kLeft},
+                   {"right", Pad::kRight},
+                   {"center", Pad::kCenter},
+                   {"both", Pad::kBoth}},
+                  settings.pad, "where the padding stands");
   command->add_option("--padding", settings.padding, "columns of padding, both bands together")
       ->check(CLI::Range(0, 65535))
       ->capture_default_str();
@@ -204,11 +218,9 @@ int run_program(int argc, char** argv) {
   command->add_option("-o", resize.output, "result, by its extension; - for Y4M on stdout")
       ->required();
   command->add_option("--to", resize.size, "WxH of the result, not below the input's")->required();
-  const std::map<std::string, Scaling> scalings{{"poly", Scaling::kPoly},
-                                                {"bilinear", Scaling::kBilinear}};
-  command->add_option("--mode", resize.scaling, "poly or bilinear")
-      ->transform(CLI::Transformer(scalings))
-      ->type_name("MODE");
+  add_choice<Scaling>(command, "--mode",
+                      {{"poly", Scaling::kPoly}, {"bilinear", Scaling::kBilinear}}, resize.scaling,
+                      "the scaler, poly unless given");
   add_raw_options(command, resize.raw);
 
   RnrOptions rnr;

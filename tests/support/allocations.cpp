@@ -1,5 +1,7 @@
 #include "tests/support/allocations.h"
 
+#include <cstring>
+
 namespace zavri::testing {
 namespace {
 
@@ -25,7 +27,9 @@ void* __wrap_malloc(size_t size) {
     g_watch->sizes.push_back(size);
     if (g_watch->outcome == WatchAllocations::Outcome::kFail) return nullptr;
   }
-  return __real_malloc(size);
+  void* const block = __real_malloc(size);
+  if (g_watch != nullptr && block != nullptr) memset(block, WatchAllocations::kFill, size);
+  return block;
 }
 
 void __wrap_free(void* pointer) {

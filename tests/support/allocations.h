@@ -10,6 +10,8 @@ namespace zavri::testing {
 // Records the calls during its lifetime, on any one thread.
 class WatchAllocations {
  public:
+  static constexpr unsigned char kFill = 0x5c;  // of blocks that are handed out
+
   enum class Outcome { kSucceed, kFail };
 
   explicit WatchAllocations(Outcome outcome = Outcome::kSucceed);

@@ -13,6 +13,7 @@ struct ScalerCall {
   uint32_t src_width, src_height, src_stride;
   uint32_t dst_width, dst_height, dst_stride;
   int interpolation;  // -1 where the function has none
+  uint8_t first;      // source sample, 0 of an empty plane
   const uint8_t* src;
   uint8_t* dst;
   std::thread::id thread;
@@ -23,16 +24,8 @@ struct ScalerCall {
 
 std::ostream& operator<<(std::ostream& out, const ScalerCall& call);
 
-// While one exists, calls are recorded, in order, instead of carried out. A recorded call makes of
-// a source byte at the same index, as far as both planes reach, destination byte = ~source byte.
-class RecordScalerCalls {
- public:
-  RecordScalerCalls();
-  ~RecordScalerCalls();
-  RecordScalerCalls(const RecordScalerCalls&) = delete;
-  RecordScalerCalls& operator=(const RecordScalerCalls&) = delete;
-
-  const std::vector<ScalerCall>& calls() const;
-};
+// The calls since the last time, in order. They are recorded instead of carried out, but make of a
+// source byte at the same index, as far as both planes reach, destination byte = ~source byte.
+std::vector<ScalerCall> take_scaler_calls();
 
 }  // namespace zavri::testing
