@@ -5,6 +5,7 @@
 #include <cstring>
 #include <memory>
 
+#include "platform/host/scale_rows.h"
 #include "platform/host/scale_taps.h"
 
 namespace zavri {

@@ -3,8 +3,6 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "platform/host/scale_rows.h"
-
 namespace zavri {
 
 template <class Byte>
