@@ -154,11 +154,3 @@ const bool kRegistered = [] {
 
 }  // namespace
 }  // namespace zavri::bench
-
-int main(int argc, char** argv) {
-  benchmark::Initialize(&argc, argv);
-  if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 2;
-  zavri::bench::Summary summary;
-  benchmark::RunSpecifiedBenchmarks(&summary);
-  benchmark::Shutdown();
-}

@@ -103,7 +103,6 @@ cv::Mat plane(const uint8_t* data, int width, int rows) {
 
 // On the planes that the scaler gets: luma, and two of chroma.
 void peer_poly(const void* number, const void* param, void*) {
-  cv::setNumThreads(1);
   const auto& p = *static_cast<const T_ResizeParam*>(param);
   const Strip s(number, p);
   cv::Mat luma = plane(s.dst_y, p.dst_width, s.dst_rows);
@@ -120,7 +119,6 @@ void peer_poly(const void* number, const void* param, void*) {
 }
 
 void peer_gaussian(const void* number, const void* param, void*) {
-  cv::setNumThreads(1);
   const auto& p = *static_cast<const T_ResizeParam*>(param);
   const Strip s(number, p);
   cv::Mat blurred = plane(s.dst_y, p.src_width, s.src_rows);

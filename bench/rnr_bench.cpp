@@ -64,7 +64,6 @@ void add_kernels() {
 #ifdef ZAVRI_BENCH_RNR_PEER
 void add_peer(const std::string& name, int width, int height) {
   add_benchmark(name, [=](benchmark::State& state) {
-    cv::setNumThreads(1);
     Bytes luma = run_plane(width, height, Runs::kShort);
     Bytes blurred(luma.size());
     const Bytes weights(luma.size(), 100);

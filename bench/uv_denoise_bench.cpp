@@ -161,7 +161,6 @@ void add_planes(int width, int height) {
     add(group + "/11_taps", plane, [=] { denoise(kWindows[1].strip, *plane); });
     const auto blurred = std::make_shared<Bytes>(plane->bytes.size());
     add(group + "/peer", plane, [=] {
-      cv::setNumThreads(1);
       const cv::Mat from(plane->rows, plane->width / 2, CV_8UC2, plane->bytes.data());
       cv::Mat to(plane->rows, plane->width / 2, CV_8UC2, blurred->data());
       cv::GaussianBlur(from, to, {11, 11}, 0);

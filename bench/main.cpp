@@ -1,0 +1,18 @@
+#include <benchmark/benchmark.h>
+
+#include "bench/summary.h"
+#ifdef ZAVRI_BENCH_OPENCV
+#include <opencv2/core/utility.hpp>
+#endif
+
+int main(int argc, char** argv) {
+  benchmark::Initialize(&argc, argv);
+  if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 2;
+#ifdef ZAVRI_BENCH_OPENCV
+  // Threads are the benchmarks' own. To be said once: it is no function for several threads.
+  cv::setNumThreads(1);
+#endif
+  zavri::bench::Summary summary;
+  benchmark::RunSpecifiedBenchmarks(&summary);
+  benchmark::Shutdown();
+}
