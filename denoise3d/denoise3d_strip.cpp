@@ -41,8 +41,11 @@ class Strip {
   void smooth_chroma() const;
 
  private:
-  void merge_rows(MergeKind kind, const MergeLimits& limits) const;
-  void merge_edges(MergeKind kind) const;
+  void merge_rows(MergeKind kind, const MergeLimits& limits);
+  void merge_edges(MergeKind kind);
+  ptrdiff_t last_strips_end(ptrdiff_t row_step, ptrdiff_t row_bytes) const;
+  void merge_row(MergeKind kind, ptrdiff_t chroma, ptrdiff_t luma, size_t bytes,
+                 const MergeLimits& limits) const;
   MergeRow row_at(ptrdiff_t chroma, ptrdiff_t luma) const;
   void log_geometry(const char* variant) const;
 
@@ -51,6 +54,7 @@ class Strip {
   const uint32_t rows_;  // of chroma
   ptrdiff_t chroma_;     // byte offsets of the strip's first samples from a frame's luma plane
   ptrdiff_t luma_;
+  ptrdiff_t luma_end_ = 0;  // of what the last strip works on
   const uint8_t* others_[3];
 };
 
@@ -84,17 +88,38 @@ MergeRow Strip::row_at(ptrdiff_t chroma, ptrdiff_t luma) const {
   return row;
 }
 
-void Strip::merge_rows(MergeKind kind, const MergeLimits& limits) const {
-  const MergeFunction merge_row = merge_kernels().get(kind, param_.frame_num - 1);
+// Where the last strip's luma runs into chroma, another strip may merge that at the same time. The
+// vector forms write back what they do not change, and would undo it; the rule writes only what it
+// merges.
+void Strip::merge_row(MergeKind kind, ptrdiff_t chroma, ptrdiff_t luma, size_t bytes,
+                      const MergeLimits& limits) const {
+  const ptrdiff_t chroma_plane = static_cast<ptrdiff_t>(param_.uv_offset);
+  const ptrdiff_t luma_end = luma_ + luma + static_cast<ptrdiff_t>(param_.y_stride + bytes);
+  const bool is_shared = luma_end > chroma_plane || chroma_ + chroma < luma_end_;
+  const MergeKernels& kernels = merge_kernels(is_shared ? Build::kPlain : best_build());
+  kernels.get(kind, param_.frame_num - 1)(row_at(chroma, luma), bytes, limits);
+}
+
+ptrdiff_t Strip::last_strips_end(ptrdiff_t row_step, ptrdiff_t row_bytes) const {
+  const auto y_stride = static_cast<ptrdiff_t>(param_.y_stride);
+  const auto rows = static_cast<ptrdiff_t>(chroma_rows(kLastStrip, param_.height));
+  return kLastStrip * static_cast<ptrdiff_t>(param_.height / 4) * y_stride + (rows - 1) * row_step +
+         y_stride + row_bytes;
+}
+
+void Strip::merge_rows(MergeKind kind, const MergeLimits& limits) {
   const size_t bytes = param_.width & ~size_t{1};
+  luma_end_ =
+      last_strips_end(2 * static_cast<ptrdiff_t>(param_.y_stride), static_cast<ptrdiff_t>(bytes));
   for (ptrdiff_t r = 0; r < static_cast<ptrdiff_t>(rows_); ++r) {
-    merge_row(row_at(r * param_.uv_stride, 2 * r * param_.y_stride), bytes, limits);
+    merge_row(kind, r * param_.uv_stride, 2 * r * param_.y_stride, bytes, limits);
   }
 }
 
-void Strip::merge_edges(MergeKind kind) const {
-  const MergeFunction merge_row = merge_kernels().get(kind, param_.frame_num - 1);
+void Strip::merge_edges(MergeKind kind) {
   const EdgeSections sections(param_);
+  luma_end_ =
+      last_strips_end(sections.luma_step, sections.right + static_cast<ptrdiff_t>(sections.bytes));
   EdgeRamp left(EdgeSide::kLeft, param_.threshY, param_.width);
   EdgeRamp right(EdgeSide::kRight, param_.threshY, param_.width);
 
@@ -102,7 +127,7 @@ void Strip::merge_edges(MergeKind kind) const {
     for (size_t b = 0; b < sections.bytes; b += EdgeRamp::kWindow) {
       const size_t bytes = std::min(sections.bytes - b, EdgeRamp::kWindow);
       const auto offset = static_cast<ptrdiff_t>(b);
-      merge_row(row_at(chroma + offset, luma + offset), bytes, {0, 0, ramp.limits(b, bytes)});
+      merge_row(kind, chroma + offset, luma + offset, bytes, {0, 0, ramp.limits(b, bytes)});
     }
   };
   for (ptrdiff_t r = 0; r < static_cast<ptrdiff_t>(rows_); ++r) {

@@ -43,7 +43,7 @@ typedef struct tagT_GainThreshPoint {
  *   luma    up to the end of row 3*(height/4) + 2*n - 1, which for height mod 8 >= 4 lies two or
  *           three rows past the plane;
  *   smoothing (switch_d) reads and writes the row padding as well, that is (height/2)*uv_stride
- *           bytes of chroma, rounded up to even;
+ *           bytes of chroma, one more where uv_stride is odd;
  *   edges (switch_b, or switch_c, with gain below 16) of 2 or 3 frames: 2*W4*n bytes further in
  * both planes, because their sections move 2*W4 bytes from row to row; of 4 frames: 2 bytes. In the
  * other frames only what lies within these bounds is read. Where the luma bound runs into the
@@ -51,7 +51,7 @@ typedef struct tagT_GainThreshPoint {
  * time: leave the room between the planes when the result must not depend on timing.
  */
 typedef struct tagT_3DYuvDenoiseParam {
-  uint8_t ref_index;        /* frame that is denoised, 0..3 and below frame_num */
+  uint8_t ref_index;        /* frame that is denoised, 0..3 */
   uint8_t frame_num;        /* 1..4; other values do nothing */
   uint8_t switch_a;         /* luma and chroma of the whole frame (only without switch_b) */
   uint8_t switch_b;         /* luma and chroma at the frame's edges, for a gain below 16 */
@@ -73,7 +73,7 @@ typedef struct tagT_3DYuvDenoiseParam {
   uint8_t threshY_table_len;
   uint16_t reserved2; /* not read */
   const T_GainThreshPoint* threshY_table;
-  uint8_t* frame_y[4]; /* luma planes; entries from frame_num on are not read */
+  uint8_t* frame_y[4]; /* luma planes; only the reference is read beyond frame_num */
 } T_3DYuvDenoiseParam;
 
 /* Denoises frame_y[ref_index] in place from frame_num captures of one scene, four strips in
@@ -328,7 +328,7 @@ class ZAVRI_EXPORT Task {
   void* arg;
 };
 
-/* A mutex that also shows whether somebody holds it. */
+/* A mutex with a flag that is set between lock and unlock; waits for a condition leave it alone. */
 struct TaskLock {
   TaskLock();
   ~TaskLock();

@@ -128,26 +128,6 @@ TEST(ThreadPool, OfNoThreadsRunsNothing) {
   EXPECT_EQ(runs, 2);
 }
 
-TEST(ThreadPool, DestructorStopsOnceAndUnlocksBeforeItDestroysTheLock) {
-  for (const bool stopped : {false, true}) {
-    SCOPED_TRACE(stopped);
-    auto* const pool = new ThreadPool(0);
-    if (stopped) pool->destroy_threadpool();
-    const WatchMutex watch(&pool->task_lock.mutex);
-    take_log();
-    delete pool;
-    std::vector<LogLine> expected;
-    if (!stopped) {
-      expected = pool_lines({kStopping, "0 threads exited from the thread pool"});
-      expected.insert(expected.begin(), {watch_line("lock"), watch_line("unlock")});
-    }
-    for (const char* event : {"destroy condition", "unlock", "destroy"}) {
-      expected.push_back(watch_line(event));
-    }
-    EXPECT_EQ(take_log(), expected);
-  }
-}
-
 TEST(TaskLock, DestructorWaitsUntilNobodyHoldsIt) {
   auto* const lock = new TaskLock;
   lock->lock();
@@ -240,41 +220,6 @@ TEST(FanOut, RunsEachInputExactlyOnceAndThenReturns) {
   other.join();
 }
 
-TEST(FanOut, CrossesTheFieldsOfAnInput) {
-  const int in0 = 0;
-  const int in1 = 0;
-  struct Arguments {
-    const void* first = nullptr;
-    const void* second = nullptr;
-  } seen;
-  T_ThreadPoolTaskInput input = {&in0, &seen, &in1};
-  ThreadPoolWorker worker(
-      nullptr, 1,
-      [](const void* first, const void* second, void* out) {
-        *static_cast<Arguments*>(out) = {first, second};
-      },
-      &input);
-  ThreadPoolTaskInfo info(&worker, worker.task_fn, &input);
-  WorkerThreadBase(&info);
-  EXPECT_EQ(seen.first, &in0);
-  EXPECT_EQ(seen.second, &in1);
-  EXPECT_EQ(worker.remaining, 0);
-}
-
-TEST(FanOut, WorkWaitsForEveryFinish) {
-  ThreadPool pool(0);
-  T_ThreadPoolTaskInput inputs[3] = {};
-  ThreadPoolWorker worker(&pool, 3, count_run, inputs);
-  worker.OneTaskFinish();
-  std::thread caller([&] {
-    worker.Work();
-    EXPECT_EQ(worker.remaining, 0);
-  });
-  worker.OneTaskFinish();
-  worker.OneTaskFinish();
-  caller.join();
-}
-
 TEST(FanOut, LogsFailuresOfItsLockAndGoesOn) {
   ThreadPool pool(2);
   ASSERT_EQ(pool.initialize_threadpool(), 0);
@@ -293,10 +238,6 @@ TEST(FanOut, LogsFailuresOfItsLockAndGoesOn) {
     expect_each_runs_once(&pool, 3);
     EXPECT_EQ(take_log(), pool_lines({failure.text}));
   }
-  const FailPthread lock(PthreadCall::kMutexDestroy, 1, 16);
-  const FailPthread condition(PthreadCall::kCondDestroy, 1, 16);
-  expect_each_runs_once(&pool, 3);
-  EXPECT_EQ(take_log(), pool_lines({kFailures[2].text, kFailures[3].text}));
 }
 
 }  // namespace

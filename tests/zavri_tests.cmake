@@ -2,7 +2,7 @@
 if(NOT ZAVRI_TOOLS)
   return()
 endif()
-add_executable(zavri_program_test zavri_test.cpp support/samples.cpp)
+add_executable(zavri_program_test zavri_test.cpp)
 target_link_libraries(zavri_program_test PRIVATE zavri_tool_parts GTest::gtest_main)
 string(REPLACE ";" " " zavri_emulator "${CMAKE_CROSSCOMPILING_EMULATOR}")
 target_compile_definitions(zavri_program_test PRIVATE

@@ -1,6 +1,5 @@
 #include "tests/support/frames.h"
 
-#include <algorithm>
 #include <utility>
 
 std::ostream& operator<<(std::ostream& out, const T_3DYuvDenoiseParam& p) {
@@ -40,19 +39,6 @@ size_t Frames::size() const {
 void Frames::set(int k, std::vector<uint8_t> bytes) {
   bytes_[k] = std::move(bytes);
   param.frame_y[k] = bytes_[k].data() + kGuard;
-}
-
-void Frames::fill(int k, uint8_t luma, uint8_t chroma) {
-  set(k, std::vector<uint8_t>(size(), luma));
-  std::fill(bytes_[k].begin() + kGuard + param.uv_offset, bytes_[k].end(), chroma);
-}
-
-uint8_t& Frames::luma(int k, ptrdiff_t row, ptrdiff_t column) const {
-  return param.frame_y[k][row * param.y_stride + column];
-}
-
-uint8_t& Frames::chroma(int k, ptrdiff_t row, ptrdiff_t column) const {
-  return param.frame_y[k][param.uv_offset + row * param.uv_stride + column];
 }
 
 void run_strip(const T_3DYuvDenoiseParam& param, int32_t strip) {

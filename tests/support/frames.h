@@ -27,9 +27,6 @@ class Frames {
   size_t size() const;
 
   void set(int k, std::vector<uint8_t> bytes);
-  void fill(int k, uint8_t luma, uint8_t chroma);
-  uint8_t& luma(int k, ptrdiff_t row, ptrdiff_t column) const;
-  uint8_t& chroma(int k, ptrdiff_t row, ptrdiff_t column) const;
 
  private:
   std::vector<uint8_t> bytes_[4];
