@@ -345,7 +345,7 @@ TEST_F(Zavri, ShowsTheLibrarysLinesAndRemarksOnIdleThresholds) {
   make_burst_files(64, 48);
   const std::string denoise =
       "denoise frame0_64x48.nv12 frame1_64x48.nv12 --thresh 50 --force -o out.y4m ";
-  EXPECT_NE(run(denoise).err.find("below 2 megapixels they are scaled to 0"), std::string::npos);
+  EXPECT_NE(run(denoise).err.find("below 2 megapixels"), std::string::npos);
   const Outcome verbose = run(denoise + "--verbose --quiet");
   EXPECT_EQ(verbose.out, "");
   EXPECT_NE(verbose.err.find("E/ZVC: zavri-mp 3dyuv begin\n"), std::string::npos) << verbose.err;
@@ -508,7 +508,7 @@ TEST_F(Zavri, DemoWritesPicturesAndNumbersOfAnyPhotograph) {
   }
   const Frame before = load_frame(path("results/frame0_1800x1202.nv12"), {});
   EXPECT_EQ(load_picture(path("results/before.png")).rgb, to_picture(before).rgb);
-  EXPECT_EQ(load_picture(path("results/crop.png")).width, 3 * 640);
+  EXPECT_EQ(load_picture(path("results/crop.png")).height, 2 * 640);
   EXPECT_EQ(load_picture(path("results/chroma.png")).width, 1800);
   EXPECT_EQ(load_picture(path("results/resize.png")).width, 2 * 1800);
   EXPECT_EQ(load_picture(path("results/rnr.png")).width, 1800);

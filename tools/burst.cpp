@@ -7,10 +7,6 @@
 namespace zavri::tools {
 
 BurstFrames make_burst(const Picture& picture, const Sensor& sensor, uint64_t seed, int frames) {
-  if (picture.width < 2 || picture.height < 2) {
-    throw Error("a picture of " + std::to_string(picture.width) + 'x' +
-                std::to_string(picture.height) + ": at least 2x2 is needed");
-  }
   BurstFrames burst;
   burst.clean = to_frame(picture);
   const SensorNoise noise(sensor);

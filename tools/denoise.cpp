@@ -11,6 +11,8 @@
 namespace zavri::tools {
 namespace {
 
+constexpr int kEdgeGainEnd = 16;
+
 // The edge sections of two and three frames drift past both planes, and with some heights the last
 // strip works up to three luma rows below its plane: with this room between and after the planes
 // strips never meet.
@@ -74,6 +76,22 @@ T_3DYuvDenoiseParam record(const std::vector<Frame>& frames, const DenoiseSettin
   return param;
 }
 
+// Whether these thresholds leave the library nothing to do.
+bool is_idle(Merge merge, const DenoiseResult& used, int frames) {
+  if (used.thresh < 2 && used.thresh_luma < 2) return true;
+  if (frames == 1) return false;
+  switch (merge) {
+    case Merge::kWhole:
+      return used.thresh == 0;
+    case Merge::kEdges:
+    case Merge::kEdgesLuma:
+      return used.thresh_luma < 2;
+    case Merge::kChroma:
+      return used.thresh < 2;
+  }
+  return true;
+}
+
 }  // namespace
 
 DenoiseResult denoise(const std::vector<Frame>& frames, const DenoiseSettings& settings, int runs) {
@@ -108,16 +126,25 @@ DenoiseResult denoise(const std::vector<Frame>& frames, const DenoiseSettings& s
   return result;
 }
 
-std::string remark(const DenoiseResult& result, const DenoiseSettings& settings, int frames) {
-  // Below these thresholds the library ends, or no two samples that differ agree.
-  const bool edges = settings.merge == Merge::kEdges || settings.merge == Merge::kEdgesLuma;
-  const bool idle = edges ? result.thresh_luma < 2 : result.thresh < 2;
-  if (!idle) return {};
-  std::string text = "thresholds " + std::to_string(result.thresh) + " and " +
-                     std::to_string(result.thresh_luma) +
-                     (frames == 1 ? ": nothing was smoothed" : ": nothing was merged");
-  if (result.frame.megapixels() < 2) text += "; below 2 megapixels they are scaled to 0";
-  return text;
+std::vector<std::string> remarks(const DenoiseResult& result, const DenoiseSettings& settings,
+                                 int frames) {
+  std::vector<std::string> lines;
+  Merge merge = settings.merge;
+  const bool edges = merge == Merge::kEdges || merge == Merge::kEdgesLuma;
+  if (edges && settings.gain >= kEdgeGainEnd) {
+    merge = Merge::kChroma;
+    if (frames > 1) {
+      lines.push_back("--gain " + std::to_string(settings.gain) + ": edges need a gain below " +
+                      std::to_string(kEdgeGainEnd) + "; the chroma of the whole frame was merged");
+    }
+  }
+  if (!is_idle(merge, result, frames)) return lines;
+  const std::string what = frames == 1 ? "smoothed" : "merged";
+  const char* const why = result.frame.megapixels() < 2
+                              ? "below 2 megapixels the library scales thresholds to 0"
+                              : "a higher threshold or gain is needed";
+  return {"thresholds " + std::to_string(result.thresh) + " and " +
+          std::to_string(result.thresh_luma) + ": nothing was " + what + "; " + why};
 }
 
 }  // namespace zavri::tools

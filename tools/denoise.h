@@ -30,7 +30,9 @@ struct DenoiseResult {
 DenoiseResult denoise(const std::vector<Frame>& frames, const DenoiseSettings& settings,
                       int runs = 1);
 
-// One line when thresholds that the library scaled by the frame's size leave it nothing to do.
-std::string remark(const DenoiseResult& result, const DenoiseSettings& settings, int frames);
+// Where the library did less than the settings read: at a gain that has no edge modes, or with
+// thresholds that leave it nothing to do once they are scaled by the frame's size.
+std::vector<std::string> remarks(const DenoiseResult& result, const DenoiseSettings& settings,
+                                 int frames);
 
 }  // namespace zavri::tools

@@ -7,8 +7,12 @@
 
 namespace zavri::tools {
 
-// Order of the two bytes of a chroma pair. The library treats both alike.
+// Order of the two bytes of a chroma pair. Only the chroma denoise with its fixed tolerance treats
+// the two differently.
 enum class ChromaOrder { kUv, kVu };
+
+// Longest side of a frame: all byte counts of one then fit 32 bits.
+constexpr int kLargestSide = 32766;
 
 // An 8-bit YUV 4:2:0 semi-planar picture without padding; width and height are even.
 struct Frame {

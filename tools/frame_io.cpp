@@ -116,8 +116,6 @@ Bytes encode_raw(const Frame& frame, ChromaOrder order) {
 
 }  // namespace
 
-bool is_picture_name(const std::string& path) { return is_picture_extension(extension_of(path)); }
-
 void check_extension(const std::string& path) {
   const std::string extension = extension_of(path);
   if (!is_raw_extension(extension) && !is_picture_extension(extension) && extension != ".y4m") {
@@ -125,18 +123,22 @@ void check_extension(const std::string& path) {
   }
 }
 
-std::vector<Frame> load_frames(const std::string& path, const RawOptions& raw) {
+Loaded load(const std::string& path, const RawOptions& raw) {
   const Bytes bytes = read_file(path);
   const size_t magic = strlen(kY4mMagic);
   if (bytes.size() > magic && memcmp(bytes.data(), kY4mMagic, magic) == 0) {
-    return decode_y4m(bytes, path);
+    return {"Y4M", decode_y4m(bytes, path)};
   }
-  if (is_picture_name(path)) return {to_frame(decode_picture(bytes, path))};
-  return {decode_raw(bytes, raw_format(path, raw, bytes.size()))};
+  // Only stdin is judged by its bytes: a raw frame may begin like a picture.
+  if (path == "-" ? is_picture(bytes) : is_picture_extension(extension_of(path))) {
+    return {"picture", {to_frame(decode_picture(bytes, path))}};
+  }
+  const RawFormat format = raw_format(path, raw, bytes.size());
+  return {name_of(format.order), {decode_raw(bytes, format)}};
 }
 
 Frame load_frame(const std::string& path, const RawOptions& raw) {
-  return std::move(load_frames(path, raw).front());
+  return std::move(load(path, raw).frames.front());
 }
 
 Picture load_picture(const std::string& path) { return decode_picture(read_file(path), path); }

@@ -9,9 +9,14 @@
 
 namespace zavri::tools {
 
-// Reads the frames of a file: one of a picture (PNG, JPEG, PPM) or a raw frame, all of a Y4M
-// stream.
-std::vector<Frame> load_frames(const std::string& path, const RawOptions& raw);
+// What a file holds: one picture (PNG, JPEG, PPM) or raw frame, or all frames of a Y4M stream.
+struct Loaded {
+  std::string format;  // "picture", "Y4M", "nv12", "nv21"
+  std::vector<Frame> frames;
+};
+Loaded load(const std::string& path, const RawOptions& raw);
+
+// The first of them.
 Frame load_frame(const std::string& path, const RawOptions& raw);
 
 Picture load_picture(const std::string& path);
@@ -19,8 +24,6 @@ Picture load_picture(const std::string& path);
 // Encodes by the extension of `path`: .png .jpg .ppm .y4m .nv12 .nv21 .yuv; stdout takes Y4M.
 Bytes encode(const Frame& frame, const std::string& path);
 Bytes encode(const Picture& picture, const std::string& path);
-
-bool is_picture_name(const std::string& path);
 
 // Throws unless encode() knows the name's extension.
 void check_extension(const std::string& path);

@@ -15,6 +15,9 @@
 #pragma GCC diagnostic pop
 
 #include <algorithm>
+#include <climits>
+#include <optional>
+#include <utility>
 
 #include "tools/error.h"
 
@@ -30,15 +33,37 @@ void append(void* context, void* data, int size) {
   bytes.insert(bytes.end(), from, from + size);
 }
 
-}  // namespace
+int size_in_int(const Bytes& bytes) {
+  return static_cast<int>(std::min<size_t>(bytes.size(), INT_MAX));
+}
 
-Picture decode_picture(const Bytes& bytes, const std::string& name) {
+// Width and height that the header states.
+std::optional<std::pair<int, int>> read_header(const Bytes& bytes) {
   int width = 0;
   int height = 0;
   int channels = 0;
-  stbi_uc* const pixels = stbi_load_from_memory(bytes.data(), static_cast<int>(bytes.size()),
-                                                &width, &height, &channels, kChannels);
-  if (pixels == nullptr) throw Error(name + ": not a PNG, JPEG or PPM picture");
+  if (!stbi_info_from_memory(bytes.data(), size_in_int(bytes), &width, &height, &channels)) {
+    return std::nullopt;
+  }
+  return std::pair{width, height};
+}
+
+}  // namespace
+
+bool is_picture(const Bytes& bytes) { return read_header(bytes).has_value(); }
+
+Picture decode_picture(const Bytes& bytes, const std::string& name) {
+  const auto header = read_header(bytes);
+  if (!header) throw Error(name + ": not a PNG, JPEG or PPM picture");
+  auto [width, height] = *header;
+  if (std::min(width, height) < 2 || std::max(width, height) > kLargestSide) {
+    throw Error(name + ": a picture of " + std::to_string(width) + 'x' + std::to_string(height) +
+                "; sides of 2 to " + std::to_string(kLargestSide) + " are read");
+  }
+  int channels = 0;
+  stbi_uc* const pixels = stbi_load_from_memory(bytes.data(), size_in_int(bytes), &width, &height,
+                                                &channels, kChannels);
+  if (pixels == nullptr) throw Error(name + ": a damaged picture: " + stbi_failure_reason());
   Picture picture(width, height);
   std::copy_n(pixels, picture.rgb.size(), picture.rgb.begin());
   stbi_image_free(pixels);

@@ -7,6 +7,9 @@
 
 namespace zavri::tools {
 
+// By its first bytes: PNG, JPEG or PPM.
+bool is_picture(const Bytes& bytes);
+
 // PNG, JPEG or PPM; `name` stands in the error.
 Picture decode_picture(const Bytes& bytes, const std::string& name);
 

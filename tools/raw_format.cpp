@@ -9,8 +9,6 @@
 namespace zavri::tools {
 namespace {
 
-constexpr int kLargestSide = 65534;
-
 // "4000x2250" at `at`, or nothing.
 std::string size_at(const std::string& text, size_t at) {
   constexpr char kDigits[] = "0123456789";
@@ -35,8 +33,6 @@ std::string order_in_name(const std::string& path) {
   const std::string extension = std::filesystem::path(path).extension();
   return extension == ".nv21" ? "nv21" : "nv12";
 }
-
-const char* name_of(ChromaOrder order) { return order == ChromaOrder::kUv ? "nv12" : "nv21"; }
 
 // A size of this many bytes without padding: one that cameras have, or of the width asked for.
 std::string what_would_fit(const RawFormat& asked, size_t bytes) {
@@ -69,8 +65,8 @@ std::pair<int, int> parse_size(const std::string& text, const std::string& argum
       return {width, height};
     }
   }
-  throw Error(argument + " " + text +
-              ": a size is WxH, both even and at most 65534, such as 4000x3000");
+  throw Error(argument + " " + text + ": a size is WxH, both even and at most " +
+              std::to_string(kLargestSide) + ", such as 4000x3000");
 }
 
 ChromaOrder parse_order(const std::string& pixel) {
@@ -78,6 +74,8 @@ ChromaOrder parse_order(const std::string& pixel) {
   if (pixel == "nv21") return ChromaOrder::kVu;
   throw Error("--pix " + pixel + ": the formats are nv12 and nv21");
 }
+
+const char* name_of(ChromaOrder order) { return order == ChromaOrder::kUv ? "nv12" : "nv21"; }
 
 RawFormat raw_format(const std::string& path, const RawOptions& options, size_t bytes) {
   const std::string named = size_in_name(path);

@@ -15,7 +15,7 @@ struct RawFormat {
   int stride;
   int scanlines;
 
-  size_t bytes() const { return static_cast<size_t>(stride) * scanlines * 3 / 2; }
+  uint64_t bytes() const { return static_cast<uint64_t>(stride) * scanlines * 3 / 2; }
 };
 
 // What the command line says of raw input; what is left open comes from the file's name.
@@ -34,6 +34,8 @@ RawFormat raw_format(const std::string& path, const RawOptions& options, size_t 
 // "4000x2250" as two even positive numbers; `argument` is named in the error.
 std::pair<int, int> parse_size(const std::string& text, const std::string& argument);
 
+// "nv12" and "nv21".
 ChromaOrder parse_order(const std::string& pixel);
+const char* name_of(ChromaOrder order);
 
 }  // namespace zavri::tools

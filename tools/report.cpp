@@ -5,33 +5,50 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
-#include <map>
 
 namespace zavri::tools {
 namespace {
 
-std::string text_of(const Report& value) {
+std::string text_of(const Report& value, int digits = -1) {
   if (value.is_null()) return "inf";
-  return value.is_string() ? value.get<std::string>() : value.dump();
+  if (value.is_string()) return value.get<std::string>();
+  if (!value.is_number_float()) return value.dump();
+  char text[64];
+  snprintf(text, sizeof text, digits < 0 ? "%.*g" : "%.*f", digits < 0 ? 10 : digits,
+           value.get<double>());
+  return text;
+}
+
+// The cells of a column under its name, all numbers with as many decimals as one of them needs.
+std::vector<std::string> column(const Report& rows, const std::string& key) {
+  size_t digits = 0;
+  for (const Report& row : rows) {
+    const std::string text = text_of(row[key]);
+    const size_t point = text.find('.');
+    if (row[key].is_number_float() && point != std::string::npos) {
+      digits = std::max(digits, text.size() - point - 1);
+    }
+  }
+  std::vector<std::string> cells{key};
+  for (const Report& row : rows) cells.push_back(text_of(row[key], static_cast<int>(digits)));
+  return cells;
 }
 
 void print_table(const Report& rows) {
-  std::vector<std::string> keys;
-  for (const auto& item : rows.front().items()) keys.push_back(item.key());
-  std::map<std::string, size_t> widths;
-  for (const std::string& key : keys) {
-    widths[key] = key.size();
-    for (const Report& row : rows) widths[key] = std::max(widths[key], text_of(row[key]).size());
+  std::vector<std::string> lines(rows.size() + 1);
+  for (const auto& item : rows.front().items()) {
+    const std::vector<std::string> cells = column(rows, item.key());
+    size_t width = 0;
+    for (const std::string& cell : cells) width = std::max(width, cell.size());
+    for (size_t i = 0; i < cells.size(); ++i) {
+      const std::string padding(width - cells[i].size(), ' ');
+      // Names stand left, numbers right.
+      lines[i] +=
+          "  " + (rows.front()[item.key()].is_string() ? cells[i] + padding : padding + cells[i]);
+    }
   }
-  const auto print_cell = [&](const std::string& key, const std::string& text) {
-    const int width = static_cast<int>(widths[key]);
-    std::printf(key == keys.front() ? "  %-*s" : "  %*s", width, text.c_str());
-  };
-  for (const std::string& key : keys) print_cell(key, key);
-  std::printf("\n");
-  for (const Report& row : rows) {
-    for (const std::string& key : keys) print_cell(key, text_of(row[key]));
-    std::printf("\n");
+  for (const std::string& line : lines) {
+    std::printf("%s\n", line.substr(0, line.find_last_not_of(' ') + 1).c_str());
   }
 }
 

@@ -2,7 +2,6 @@
 
 #include <zavricustpro.h>
 
-#include <algorithm>
 #include <array>
 
 #include "tools/error.h"
@@ -11,7 +10,6 @@
 namespace zavri::tools {
 namespace {
 
-constexpr int kLargestSide = 65534;  // even, and the record's sizes have 16 bits
 constexpr uint32_t kReduction = 1;
 
 std::string size_of(const ResizeSettings& settings) {
@@ -28,9 +26,6 @@ std::array<int, 2> strip_rows(int height) {
 // unwritten.
 void check(const Frame& from, const ResizeSettings& to) {
   if (to.width < from.width || to.height < from.height) return;  // refused
-  if (std::max({from.width, from.height, to.width, to.height}) > kLargestSide) {
-    throw Error(from.size() + " to " + size_of(to) + ": at most 65534 pixels a side");
-  }
   const std::array<int, 2> source = strip_rows(from.height);
   const std::array<int, 2> target = strip_rows(to.height);
   if (source[1] < 0 || target[1] < 0) {

@@ -261,7 +261,7 @@ int run_program(int argc, char** argv) {
   add_raw_options(command, view.raw);
 
   CompareOptions compare;
-  command = line.add("compare", "PSNR and SSIM of two frames, plane by plane",
+  command = line.add("compare", "PSNR and SSIM (over 8x8 windows) of two frames, plane by plane",
                      "compare clean.png out.png --min-psnr 30", compare, run_compare);
   command->add_option("A", compare.a, "frame")->required();
   command->add_option("B", compare.b, "frame of the same size")->required();

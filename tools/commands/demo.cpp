@@ -1,6 +1,8 @@
 #include <algorithm>
 #include <cstdlib>
 #include <filesystem>
+#include <limits>
+#include <numeric>
 
 #include "tools/burst.h"
 #include "tools/commands/commands.h"
@@ -30,36 +32,55 @@ struct Part {
   int x, y, width, height;
 };
 
-// The part with the most detail in its luma.
-Part busiest_part(const Frame& frame) {
-  Part best{0, 0, std::min(kCropSide, frame.width), std::min(kCropSide, frame.height)};
-  int64_t most = -1;
-  for (int y = 0; y + best.height <= frame.height; y += kCropSide / 2) {
-    for (int x = 0; x + best.width <= frame.width; x += kCropSide / 2) {
-      const Frame part = frame.crop(x, y, best.width, best.height);
-      int64_t detail = 0;
-      for (size_t i = 1; i < part.luma.size(); ++i) {
-        detail += std::abs(part.luma[i] - part.luma[i - 1]);
-      }
-      if (detail <= most) continue;
-      most = detail;
-      best.x = x;
-      best.y = y;
+int64_t detail(const Frame& part) {
+  int64_t sum = 0;
+  for (size_t i = 1; i < part.luma.size(); ++i) sum += std::abs(part.luma[i] - part.luma[i - 1]);
+  return sum;
+}
+
+// Noise shows best where it hides neither in detail nor in the dark or bright.
+int64_t evenness(const Frame& part) {
+  constexpr int64_t kDark = 64;
+  constexpr int64_t kBright = 160;
+  const auto count = static_cast<int64_t>(part.luma.size());
+  const int64_t mean = std::accumulate(part.luma.begin(), part.luma.end(), int64_t{0}) / count;
+  const bool middle = mean >= kDark && mean <= kBright;
+  return -detail(part) - (middle ? 0 : 255 * count);
+}
+
+// The part with the highest score(part).
+template <class Score>
+Part best_part(const Frame& frame, Score score) {
+  Part part{0, 0, std::min(kCropSide, frame.width), std::min(kCropSide, frame.height)};
+  Part best = part;
+  int64_t highest = std::numeric_limits<int64_t>::min();
+  for (part.y = 0; part.y + part.height <= frame.height; part.y += kCropSide / 2) {
+    for (part.x = 0; part.x + part.width <= frame.width; part.x += kCropSide / 2) {
+      const int64_t reached = score(frame.crop(part.x, part.y, part.width, part.height));
+      if (reached <= highest) continue;
+      highest = reached;
+      best = part;
     }
   }
   return best;
 }
 
-// The same part of several frames at its own size, side by side.
-Picture side_by_side(const std::vector<const Frame*>& frames, const Part& part) {
-  const auto count = static_cast<int>(frames.size());
-  Picture all(part.width * count, part.height);
-  const size_t row_bytes = 3 * static_cast<size_t>(part.width);
-  for (size_t k = 0; k < frames.size(); ++k) {
-    const Picture one = to_picture(frames[k]->crop(part.x, part.y, part.width, part.height));
-    for (size_t row = 0; row < static_cast<size_t>(part.height); ++row) {
-      std::copy_n(&one.rgb[row * row_bytes], row_bytes,
-                  &all.rgb[(row * frames.size() + k) * row_bytes]);
+// The same parts of several frames at their own size: a column for each frame, a row for each part.
+Picture side_by_side(const std::vector<const Frame*>& frames, const std::vector<Part>& parts) {
+  const int width = parts.front().width;
+  const int height = parts.front().height;
+  Picture all(width * static_cast<int>(frames.size()), height * static_cast<int>(parts.size()));
+  const size_t row_bytes = 3 * static_cast<size_t>(width);
+  uint8_t* to = all.rgb.data();
+  for (const Part& part : parts) {
+    std::vector<Picture> pictures;
+    for (const Frame* frame : frames) {
+      pictures.push_back(to_picture(frame->crop(part.x, part.y, width, height)));
+    }
+    for (size_t row = 0; row < static_cast<size_t>(height); ++row) {
+      for (const Picture& picture : pictures) {
+        to = std::copy_n(&picture.rgb[row * row_bytes], row_bytes, to);
+      }
     }
   }
   return all;
@@ -93,8 +114,7 @@ int run_demo(const DemoOptions& options, const Console& console) {
   const Frame& before = burst.noisy[static_cast<size_t>(options.settings.reference)];
   console.progress("denoising");
   const DenoiseResult result = denoise(burst.noisy, options.settings, kRuns);
-  const std::string nothing_done = remark(result, options.settings, kFrames);
-  if (!nothing_done.empty()) console.say(nothing_done);
+  for (const std::string& line : remarks(result, options.settings, kFrames)) console.say(line);
 
   console.progress("writing pictures");
   std::vector<NamedFrame> raw = name_frames(burst, options.folder, "nv12");
@@ -104,9 +124,9 @@ int run_demo(const DemoOptions& options, const Console& console) {
   for (const NamedFrame& frame : raw) write_file(frame.path, encode(*frame.frame, frame.path));
   write_file(folder + "before.png", encode(before, "before.png"));
   write_file(folder + "after.png", encode(result.frame, "after.png"));
+  const std::vector<Part> parts{best_part(burst.clean, detail), best_part(burst.clean, evenness)};
   write_file(folder + "crop.png",
-             encode(side_by_side({&before, &result.frame, &burst.clean}, busiest_part(burst.clean)),
-                    "crop.png"));
+             encode(side_by_side({&before, &result.frame, &burst.clean}, parts), "crop.png"));
   console.progress("running the other operations");
   const Report further = further_operations({burst.clean, before, result.frame, folder, kRuns});
 

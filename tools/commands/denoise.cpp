@@ -11,7 +11,7 @@ int run_denoise(const DenoiseOptions& options, const Console& console) {
   check_output(options.output, console.force);
   std::vector<Frame> frames;
   for (const std::string& input : options.inputs) {
-    for (Frame& frame : load_frames(input, options.raw)) frames.push_back(std::move(frame));
+    for (Frame& frame : load(input, options.raw).frames) frames.push_back(std::move(frame));
   }
   const auto count = static_cast<int>(frames.size());
   if (count > 4) {
@@ -27,8 +27,7 @@ int run_denoise(const DenoiseOptions& options, const Console& console) {
 
   const DenoiseResult result = denoise(frames, options.settings);
   write_file(options.output, encode(result.frame, options.output));
-  const std::string nothing_done = remark(result, options.settings, count);
-  if (!nothing_done.empty()) console.say(nothing_done);
+  for (const std::string& line : remarks(result, options.settings, count)) console.say(line);
   // stdout may be the output itself.
   if (options.output != "-") {
     console.print({{"output", options.output},

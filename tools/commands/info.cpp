@@ -36,13 +36,15 @@ int run_info(const InfoOptions& options, const Console& console) {
                 {"pointer bits", 8 * sizeof(void*)}};
   Report files = Report::array();
   for (const std::string& input : options.inputs) {
-    const std::vector<Frame> frames = load_frames(input, options.raw);
-    const Frame& first = frames.front();
+    const Loaded loaded = load(input, options.raw);
+    const Frame& first = loaded.frames.front();
     files.push_back({{"file", input},
+                     {"format", loaded.format},
                      {"size", first.size()},
                      {"megapixels", decimals(first.megapixels(), 2)},
-                     {"frames", frames.size()},
-                     {"chroma", first.order == ChromaOrder::kUv ? "UV" : "VU"}});
+                     {"luma bytes", first.luma.size()},
+                     {"chroma bytes", first.chroma.size()},
+                     {"frames", loaded.frames.size()}});
   }
   if (!files.empty()) report["files"] = files;
   console.print(report);
