@@ -1,6 +1,7 @@
 # The shared object, and the object files that tests and benchmarks link directly.
 
 set(kernel_sources
+  autoshoot/row_sums.cpp
   compose/decimate.cpp
   denoise3d/chroma_runs.cpp
   denoise3d/merge.cpp
@@ -11,8 +12,13 @@ set(kernel_sources
   uvdenoise/fill_rows.cpp)
 
 set(library_sources
+  autoshoot/measures.cpp
+  autoshoot/state.cpp
   compose/compose.cpp
   compose/padding.cpp
+  debug/fixed_dump.cpp
+  debug/frame_dump.cpp
+  debug/raw_file.cpp
   denoise3d/denoise3d_strip.cpp
   denoise3d/edge_sections.cpp
   denoise3d/uv_run_smooth.cpp

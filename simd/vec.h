@@ -103,6 +103,11 @@ ZAVRI_INLINE V32 add_up(V32 sums, V8 v) {
   return sums + (V32)ZAVRI_MM(sad_epu8, (Native)v, (Native)V8{});
 }
 
+// The same of |a - b|.
+ZAVRI_INLINE V32 add_absdiff(V32 sums, V8 a, V8 b) {
+  return sums + (V32)ZAVRI_MM(sad_epu8, (Native)a, (Native)b);
+}
+
 #elif defined(ZAVRI_NEON)
 
 ZAVRI_INLINE V8 avg_up(V8 a, V8 b) { return (V8)vrhaddq_u8((uint8x16_t)a, (uint8x16_t)b); }
@@ -131,6 +136,8 @@ ZAVRI_INLINE V32 add_up(V32 sums, V8 v) {
 #endif
 
 #ifndef ZAVRI_X86
+
+ZAVRI_INLINE V32 add_absdiff(V32 sums, V8 a, V8 b) { return add_up(sums, absdiff(a, b)); }
 
 ZAVRI_INLINE bool all(V8 mask) {
   uint64_t bits = ~uint64_t{0};

@@ -63,6 +63,22 @@ void run_uv_run_smooth(const GoldenCase& golden) {
   EXPECT_EQ(fnv1a(buffer), golden.hash());
 }
 
+void run_auto_shoot(const GoldenCase& golden) {
+  const std::vector<uint8_t> buffer = golden_buffer(golden);
+  const uint8_t* const luma = buffer.data() + golden.number("guard");
+  const uint32_t width = golden.number("image_width");
+  const uint32_t height = golden.number("image_height");
+  const auto field = [&](const char* key) { return static_cast<int32_t>(golden.number(key)); };
+  const T_OptRect rect{field("x"), field("y"), field("width"), field("height")};
+  zavri_auto_shoot_opt_set_FV_rect(&rect);
+  EXPECT_EQ(zavri_auto_shoot_opt_get_FV_value(luma, &rect, width, height), golden.number("focus"));
+  EXPECT_EQ(zavri_auto_shoot_opt_get_FV_value_derivation(luma, width, height),
+            golden.number("derivation"));
+  EXPECT_EQ(zavri_auto_shoot_opt_get_FV_value_average(luma, width, height),
+            golden.number("average"));
+  EXPECT_EQ(zavri_auto_shoot_opt_get_bright(luma, &rect, width, height), golden.number("bright"));
+}
+
 void run_compose(const GoldenCase& golden) {
   T_ComposeParam param{};
   param.width = static_cast<uint16_t>(golden.number("width"));
@@ -110,11 +126,9 @@ struct GoldenFile {
 };
 
 constexpr GoldenFile kFiles[] = {
-    {"compose.txt", 40, run_compose},
-    {"denoise3d.txt", 120, run_denoise3d},
-    {"rnr.txt", 30, run_rnr},
-    {"uv_denoise.txt", 60, run_uv_denoise},
-    {"uv_run_smooth.txt", 40, run_uv_run_smooth},
+    {"auto_shoot.txt", 60, run_auto_shoot}, {"compose.txt", 40, run_compose},
+    {"denoise3d.txt", 120, run_denoise3d},  {"rnr.txt", 30, run_rnr},
+    {"uv_denoise.txt", 60, run_uv_denoise}, {"uv_run_smooth.txt", 40, run_uv_run_smooth},
 };
 
 TEST(Golden, EveryCaseInEveryBuild) {

@@ -64,6 +64,20 @@ ASSERT_OFFSET_32(T_UVDenoiseParam, kernel_size, 20);
 ASSERT_OFFSET_32(T_UVDenoiseParam, threshold, 21);
 ASSERT_OFFSET_32(T_UVDenoiseParam, weight_table, 22);
 
+static_assert(offsetof(T_OptRect, y) == 4, "y");
+static_assert(offsetof(T_OptRect, width) == 8, "width");
+static_assert(sizeof(T_OptRect) == 16, "T_OptRect");
+
+static_assert(offsetof(T_DumpPlaneInfo, offset) == 4, "offset");
+static_assert(offsetof(T_DumpPlaneInfo, stride) == 8, "stride");
+static_assert(offsetof(T_DumpPlaneInfo, width) == 12, "width");
+static_assert(offsetof(T_DumpPlaneInfo, height) == 16, "height");
+static_assert(sizeof(T_DumpPlaneInfo) == 24, "T_DumpPlaneInfo");
+static_assert(offsetof(T_DumpFrameInfo, planes) == 1 * 4, "planes");
+static_assert(offsetof(T_DumpFrameInfo, frame_idx) == 50 * 4, "frame_idx");
+static_assert(offsetof(T_DumpFrameInfo, named_by_size) == 51 * 4, "named_by_size");
+static_assert(sizeof(T_DumpFrameInfo) == 53 * 4, "T_DumpFrameInfo");
+
 static_assert(offsetof(T_ThreadPoolTaskInput, pIn0) == 0, "pIn0");
 static_assert(offsetof(T_ThreadPoolTaskInput, pOut) == sizeof(void*), "pOut");
 static_assert(offsetof(T_ThreadPoolTaskInput, pIn1) == 2 * sizeof(void*), "pIn1");
