@@ -49,7 +49,7 @@ void print_line(const std::string& group, const std::string& variant, double tim
   if (floor > 0)
     std::printf("  (at least %.1f x: %s)", floor,
                 floor_verdict(speed_up, floor, touch > 0 ? 1 / touch : 0));
-  if (expectation.most_of_touch > 0 && touch > 0) {
+  if (expectation.most_of_touch > 0 && touch > 0 && variant != "plain") {
     std::printf("  (at most %.1f: %s)", expectation.most_of_touch,
                 verdict(1 / touch <= expectation.most_of_touch));
   }

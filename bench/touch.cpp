@@ -1,5 +1,7 @@
 #include "bench/touch.h"
 
+#include <cstring>
+
 namespace zavri::bench {
 
 #if defined(__x86_64__)
@@ -33,6 +35,18 @@ void touch_row(uint8_t* __restrict written, const uint8_t* const* read, int othe
       break;
     }
   }
+}
+
+ZAVRI_WIDEST
+uint64_t touch_row(const uint8_t* read, size_t bytes) {
+  uint64_t all = 0;
+  for (size_t i = 0; i + sizeof all <= bytes; i += sizeof all) {
+    uint64_t some;
+    memcpy(&some, read + i, sizeof some);
+    all ^= some;
+  }
+  for (size_t i = bytes - bytes % sizeof all; i < bytes; ++i) all ^= read[i];
+  return all;
 }
 
 }  // namespace zavri::bench
