@@ -317,6 +317,15 @@ TEST_F(Zavri, BadInputIsOneLineStatusTwoAndNoFile) {
       {"compose photo.png frame0_64x48.nv12 --padding 65 -o out.png", "--padding 65"},
       {"compose photo.png frame0_64x48.nv12 --pad 1 -o out.png", "--pad 1: there are left, right"},
       {"compose photo.png frame0_64x48.nv12 --size 32x96 -o out.png", "one size"},
+      {"measure photo.png --rect 1,2,63,45", "62x45 of 64x48 would fit"},
+      {"measure photo.png --rect 1,2,62,46", "62x45 of 64x48 would fit"},
+      {"measure photo.png --rect 63,0,1,2", "within 0,0 and 62,45"},
+      {"measure photo.png --rect 0,0,9", "x,y,width,height"},
+      {"replay frame0_64x48.nv12 --then rotate -o out.png", "the steps are denoise"},
+      {"replay frame0_64x48.nv12 --then chroma:7,0 -o out.png", "a number from 1 to 127"},
+      {"replay frame0_64x48.nv12 --then rnr:1,2,3 -o out.png", "too much for rnr"},
+      {"replay frame0_64x48.nv12 frame1_64x48.nv12 -o out.png", "2 frames are left"},
+      {"replay frame0_64x48.nv12 --meta 8 -o out.png", "64x48 nv12 is 4608 bytes"},
       {"burst photo.png -o .", "--force"},
   };
   for (const auto& c : kCases) {
@@ -484,6 +493,52 @@ TEST_F(Zavri, ChromaIsTheLibrarysFourStrips) {
   // The smallest plane, whose windows lead out of it.
   write_file(path("small.ppm"), encode(gradient(96, 160), "small.ppm"));
   EXPECT_EQ(run("chroma small.ppm -o small.png").status, kDone);
+}
+
+TEST_F(Zavri, MeasuresAreTheLibrarysAndTheSharpestIsMarked) {
+  const Frame sharp = random_frame(64, 48, 7);
+  write_file(path("sharp_64x48.nv12"), encode(sharp, "a.nv12"));
+  write_file(path("flat_64x48.nv12"), encode(Frame(64, 48), "a.nv12"));
+  const Outcome outcome = run("measure flat_64x48.nv12 sharp_64x48.nv12 --rect 5,6,20,13 --json");
+  ASSERT_EQ(outcome.status, kDone) << outcome.err;
+  const auto rows = nlohmann::json::parse(outcome.out)["measures"];
+  const T_OptRect rect{5, 6, 20, 13};
+  zavri_auto_shoot_opt_set_FV_rect(&rect);
+  const uint8_t* const luma = sharp.luma.data();
+  const uint32_t bright = zavri_auto_shoot_opt_get_bright(luma, &rect, 64, 48);
+  EXPECT_EQ(rows[1]["focus"], zavri_auto_shoot_opt_get_FV_value(luma, &rect, 64, 48));
+  EXPECT_EQ(rows[1]["derivation"], zavri_auto_shoot_opt_get_FV_value_derivation(luma, 64, 48));
+  EXPECT_EQ(rows[1]["average"], zavri_auto_shoot_opt_get_FV_value_average(luma, 64, 48));
+  EXPECT_EQ(rows[1]["brightness"], bright);
+  EXPECT_NEAR(rows[1]["mean"], bright / (20.0 * 12), 0.006);
+  EXPECT_TRUE(rows[1]["sharpest"]);
+  EXPECT_FALSE(rows[0]["sharpest"]);
+  EXPECT_EQ(run("measure flat_64x48.nv12 --csv").out,
+            "file,rect,focus,derivation,average,brightness,mean\n"
+            "flat_64x48.nv12,\"0,0,63,47\",0,0,0,0,0.0\n");
+}
+
+TEST_F(Zavri, ReplayIsTheLibrarysLoadAndTheCommandsInTurn) {
+  std::string dumps;
+  for (const std::string name : {"a", "b"}) {
+    Bytes bytes = encode(random_frame(96, 160, name[0]), "a.nv12");
+    write_file(path(name + "_96x160.nv12"), bytes);
+    run("chroma " + name + "_96x160.nv12 --threshold 99 -o " + name + "_calm_96x160.nv12");
+    bytes.insert(bytes.begin() + 96 * 160, 4, 1);
+    bytes.insert(bytes.begin(), 16, 2);
+    write_file(path("zvc_1700000000_96x160_" + name + "_suffix.yuv"), bytes);
+    dumps += " zvc_1700000000_96x160_" + name + "_suffix.yuv";
+  }
+  run("compose a_calm_96x160.nv12 b_calm_96x160.nv12 --padding 8 -o both.yuv");
+  const Outcome outcome = run("replay" + dumps + " --meta 16,4 --then chroma:11,99 " +
+                              "--then compose:8 -o replayed.yuv");
+  ASSERT_EQ(outcome.status, kDone) << outcome.err;
+  EXPECT_EQ(read_file(path("replayed.yuv")), read_file(path("both.yuv")));
+
+  fs::rename(path("a_96x160.nv12"), path("0.yuv"));
+  const Frame padded = load_frame(path("0.yuv"), {"90x156", "", 96, 160});
+  run("replay 0.yuv --size 90x156 --stride 96 --scanlines 160 -o fixed.yuv");
+  EXPECT_EQ(read_file(path("fixed.yuv")), encode(padded, "a.yuv"));
 }
 
 TEST_F(Zavri, ReadsAndWritesStreams) {

@@ -29,20 +29,6 @@ bool is_picture_extension(const std::string& extension) {
   return extension == ".png" || extension == ".jpg" || extension == ".jpeg" || extension == ".ppm";
 }
 
-Frame decode_raw(const Bytes& bytes, const RawFormat& format) {
-  Frame frame(format.width, format.height, format.order);
-  const auto copy_rows = [&](const uint8_t* from, std::vector<uint8_t>& to, int rows) {
-    for (int y = 0; y < rows; ++y) {
-      std::copy_n(from + static_cast<size_t>(y) * format.stride, format.width,
-                  to.begin() + static_cast<ptrdiff_t>(y) * format.width);
-    }
-  };
-  copy_rows(bytes.data(), frame.luma, format.height);
-  copy_rows(bytes.data() + static_cast<size_t>(format.stride) * format.scanlines, frame.chroma,
-            format.height / 2);
-  return frame;
-}
-
 // The line that begins at `at`, without its end; moves `at` behind it.
 std::string header_line(const Bytes& bytes, size_t& at) {
   const size_t limit = std::min(bytes.size(), at + kLongestHeader);
@@ -121,6 +107,20 @@ void check_extension(const std::string& path) {
   if (!is_raw_extension(extension) && !is_picture_extension(extension) && extension != ".y4m") {
     throw Error(path + ": an output ends in .png, .jpg, .ppm, .y4m, .nv12, .nv21 or .yuv");
   }
+}
+
+Frame decode_raw(const Bytes& bytes, const RawFormat& format) {
+  Frame frame(format.width, format.height, format.order);
+  const auto copy_rows = [&](const uint8_t* from, std::vector<uint8_t>& to, int rows) {
+    for (int y = 0; y < rows; ++y) {
+      std::copy_n(from + static_cast<size_t>(y) * format.stride, format.width,
+                  to.begin() + static_cast<ptrdiff_t>(y) * format.width);
+    }
+  };
+  copy_rows(bytes.data(), frame.luma, format.height);
+  copy_rows(bytes.data() + static_cast<size_t>(format.stride) * format.scanlines, frame.chroma,
+            format.height / 2);
+  return frame;
 }
 
 Loaded load(const std::string& path, const RawOptions& raw) {

@@ -19,6 +19,9 @@ Loaded load(const std::string& path, const RawOptions& raw);
 // The first of them.
 Frame load_frame(const std::string& path, const RawOptions& raw);
 
+// The frame in `bytes`, which are format.bytes() of them.
+Frame decode_raw(const Bytes& bytes, const RawFormat& format);
+
 Picture load_picture(const std::string& path);
 
 // Encodes by the extension of `path`: .png .jpg .ppm .y4m .nv12 .nv21 .yuv; stdout takes Y4M.

@@ -4,6 +4,7 @@
 #include <functional>
 #include <map>
 
+#include "tools/chain.h"
 #include "tools/commands/commands.h"
 #include "tools/error.h"
 #include "tools/log_lines.h"
@@ -252,6 +253,40 @@ int run_program(int argc, char** argv) {
       ->required();
   add_chroma_settings(command, chroma);
   add_raw_options(command, chroma.raw);
+
+  MeasureOptions measure;
+  command =
+      line.add("measure", "focus value, derivation, average and brightness of the luma",
+               "measure sweep/*_4000x3000.nv12 --rect 1600,1200,800,600", measure, run_measure);
+  command->add_option("IN", measure.inputs, "frames; of several the sharpest is marked")
+      ->required();
+  command->add_option("--rect", measure.rect,
+                      "x,y,width,height; without it all but the last column and row, which is the "
+                      "largest there is, or of frames above 8 megapixels its middle");
+  command->add_flag("--csv", measure.csv, "print results as comma-separated values")
+      ->excludes("--json");
+  add_raw_options(command, measure.raw);
+
+  ReplayOptions replay;
+  command = line.add(
+      "replay", "load dumps through the library and run operations on them, one after the other",
+      "replay zvcfixedyuvprefix_4000x3000_?_suffix.yuv --then denoise:20,30 --then chroma:19 "
+      "-o out.png",
+      replay, run_replay);
+  command
+      ->add_option("IN", replay.inputs,
+                   "dumps in any folder: the program shows each to the library where that expects "
+                   "it, in /data/misc/camera, and only for reading. A file 0.yuv is a fixed dump")
+      ->required();
+  command->add_option("-o", replay.output, "result, by its extension; - for Y4M on stdout")
+      ->required();
+  command->add_option("--then", replay.steps, "next step, one of " + step_names())
+      ->type_name("STEP")
+      ->allow_extra_args(false);
+  command->add_option("--meta", replay.meta, "bytes in front of luma and chroma, such as 64,0")
+      ->expected(1, 2)
+      ->delimiter(',');
+  add_raw_options(command, replay.raw);
 
   ViewOptions view;
   command = line.add("view", "turn a frame into a picture, or one format into another",

@@ -70,6 +70,23 @@ struct ComposeOptions {
 };
 int run_compose(const ComposeOptions& options, const Console& console);
 
+struct MeasureOptions {
+  std::vector<std::string> inputs;
+  RawOptions raw;
+  std::string rect;  // x,y,width,height; the largest when empty
+  bool csv = false;
+};
+int run_measure(const MeasureOptions& options, const Console& console);
+
+struct ReplayOptions {
+  std::vector<std::string> inputs;
+  std::string output;
+  RawOptions raw;
+  std::vector<uint32_t> meta;      // bytes in front of the luma, and of the chroma
+  std::vector<std::string> steps;  // of the chain, in order
+};
+int run_replay(const ReplayOptions& options, const Console& console);
+
 struct ViewOptions {
   std::string input;
   std::string output;

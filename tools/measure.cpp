@@ -1,0 +1,84 @@
+#include "tools/measure.h"
+
+#include <zavricustpro.h>
+
+#include <cstdio>
+
+#include "tools/error.h"
+
+namespace zavri::tools {
+namespace {
+
+constexpr int kFewestRows = 2;  // brightness leaves the last row out
+
+Rect largest_rect(const Frame& frame) { return {0, 0, frame.width - 1, frame.height - 1}; }
+
+void check(const Frame& frame, const Rect& rect) {
+  const Rect all = largest_rect(frame);
+  if (all.width < 1 || all.height < kFewestRows) {
+    throw Error(frame.size() + ": too small to be measured");
+  }
+  const std::string argument = "--rect " + rect.text() + ": ";
+  if (rect.width < 1 || rect.height < kFewestRows) {
+    throw Error(argument + "at least one column and two rows are measured");
+  }
+  if (rect.x < 0 || rect.y < 0 || rect.x >= all.width || rect.y > all.height - kFewestRows) {
+    throw Error(argument + "the corner lies within 0,0 and " + std::to_string(all.width - 1) + ',' +
+                std::to_string(all.height - kFewestRows) + " of " + frame.size());
+  }
+  const int width = all.width - rect.x;
+  const int height = all.height - rect.y;
+  if (rect.width > width || rect.height > height) {
+    throw Error(argument + "a column must stay free to the right and a row below; from there " +
+                std::to_string(width) + 'x' + std::to_string(height) + " of " + frame.size() +
+                " would fit");
+  }
+}
+
+}  // namespace
+
+std::string Rect::text() const {
+  return std::to_string(x) + ',' + std::to_string(y) + ',' + std::to_string(width) + ',' +
+         std::to_string(height);
+}
+
+Rect parse_rect(const std::string& text) {
+  Rect rect{};
+  int used = 0;
+  if (sscanf(text.c_str(), "%6d,%6d,%6d,%6d%n", &rect.x, &rect.y, &rect.width, &rect.height,
+             &used) != 4 ||
+      static_cast<size_t>(used) != text.size()) {
+    throw Error("--rect " + text + ": a rectangle is x,y,width,height, such as 640,360,640,360");
+  }
+  return rect;
+}
+
+Rect default_rect(const Frame& frame) {
+  Rect rect = largest_rect(frame);
+  while (rect.may_wrap()) {
+    rect = {rect.x + rect.width / 4, rect.y + rect.height / 4, rect.width / 2, rect.height / 2};
+  }
+  return rect;
+}
+
+Measures measure(const Frame& frame, const Rect& rect) {
+  check(frame, rect);
+  const auto width = static_cast<uint32_t>(frame.width);
+  const auto height = static_cast<uint32_t>(frame.height);
+  const uint8_t* const luma = frame.luma.data();
+  const T_OptRect whole{rect.x, rect.y, rect.width, rect.height};
+  zavri_auto_shoot_opt_set_FV_rect(&whole);
+  uint64_t total = 0;
+  for (int row = 0; row + 1 < rect.height; ++row) {
+    const T_OptRect one_row{rect.x, rect.y + row, rect.width, kFewestRows};
+    total += zavri_auto_shoot_opt_get_bright(luma, &one_row, width, height);
+  }
+  const double samples = static_cast<double>(rect.width) * (rect.height - 1);
+  return {zavri_auto_shoot_opt_get_FV_value(luma, &whole, width, height),
+          zavri_auto_shoot_opt_get_FV_value_derivation(luma, width, height),
+          zavri_auto_shoot_opt_get_FV_value_average(luma, width, height),
+          zavri_auto_shoot_opt_get_bright(luma, &whole, width, height),
+          static_cast<double>(total) / samples};
+}
+
+}  // namespace zavri::tools
