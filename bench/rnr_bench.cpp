@@ -30,6 +30,7 @@ struct Rows {
   Bytes blurred = run_plane(kTileWidth, 1, Runs::kLong);
   Bytes weight = Bytes(kTileWidth);
   Bytes keep = Bytes(kTileWidth);
+  Bytes to = Bytes(kTileWidth);
 
   // The weights of row y of the upper left tile of 1920x1080 at a radius of 100 %.
   void weigh(WeighFunction function, int y) {
@@ -56,7 +57,7 @@ void add_kernels() {
     add_kernel("rnr/weights", build,
                [weigh = weigh_kernel(build)](Rows& rows, int y) { rows.weigh(weigh, y); });
     add_kernel("rnr/blend", build, [blend = blend_kernel(build)](Rows& rows, int) {
-      blend(rows.row.data(), rows.blurred.data(), rows.weight.data(), kTileWidth);
+      blend(rows.to.data(), rows.row.data(), rows.blurred.data(), rows.weight.data(), kTileWidth);
     });
   }
 }

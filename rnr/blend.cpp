@@ -9,17 +9,19 @@
 namespace zavri {
 namespace {
 
-void blend_plain(uint8_t* row, const uint8_t* blurred, const uint8_t* weight, size_t count) {
+void blend_plain(uint8_t* to, const uint8_t* sharp, const uint8_t* blurred, const uint8_t* weight,
+                 size_t count) {
   for (size_t i = 0; i < count; ++i) {
-    const int mixed = ((kWholeWeight - weight[i]) * row[i] + weight[i] * blurred[i]) >> 7;
-    row[i] = weight[i] < kBlurAlone ? static_cast<uint8_t>(mixed) : blurred[i];
+    const int mixed = ((kWholeWeight - weight[i]) * sharp[i] + weight[i] * blurred[i]) >> 7;
+    to[i] = weight[i] < kBlurAlone ? static_cast<uint8_t>(mixed) : blurred[i];
   }
 }
 
 #ifdef ZAVRI_BUILD_PLAIN
 
-void blend(uint8_t* row, const uint8_t* blurred, const uint8_t* weight, size_t count) {
-  blend_plain(row, blurred, weight, count);
+void blend(uint8_t* to, const uint8_t* sharp, const uint8_t* blurred, const uint8_t* weight,
+           size_t count) {
+  blend_plain(to, sharp, blurred, weight, count);
 }
 
 #else
@@ -39,16 +41,14 @@ ZAVRI_INLINE V8 mix(V8 sharp, V8 blurred, V8 weight) {
   return select(partly, mixed, blurred);
 }
 
-void blend(uint8_t* row, const uint8_t* blurred, const uint8_t* weight, size_t count) {
-  if (count < kVectorBytes) return blend_plain(row, blurred, weight, count);
+void blend(uint8_t* to, const uint8_t* sharp, const uint8_t* blurred, const uint8_t* weight,
+           size_t count) {
+  if (count < kVectorBytes) return blend_plain(to, sharp, blurred, weight, count);
   const auto mix_at = [=](size_t i) {
-    return mix(load(row + i), load(blurred + i), load(weight + i));
+    store(to + i, mix(load(sharp + i), load(blurred + i), load(weight + i)));
   };
-  // First, because the loop may write some of the pixels that the last vector mixes.
-  const size_t last = count - kVectorBytes;
-  const V8 last_mixed = mix_at(last);
-  for (size_t i = 0; i < last; i += kVectorBytes) store(row + i, mix_at(i));
-  store(row + last, last_mixed);
+  for (size_t i = 0; i + kVectorBytes <= count; i += kVectorBytes) mix_at(i);
+  mix_at(count - kVectorBytes);  // repeats some of the one before it
 }
 
 #endif

@@ -7,13 +7,13 @@
 
 namespace zavri {
 
-// Mixes each row[i] with blurred[i], for i in [0, count):
+// For i in [0, count), to[i] is
 //
-//   ((128 - weight[i]) * row[i] + weight[i] * blurred[i]) >> 7
+//   ((128 - weight[i]) * sharp[i] + weight[i] * blurred[i]) >> 7
 //
-// and from a weight of kBlurAlone on the blurred value alone. `row` overlaps neither of the others.
-using BlendFunction = void (*)(uint8_t* row, const uint8_t* blurred, const uint8_t* weight,
-                               size_t count);
+// and from a weight of kBlurAlone on the blurred value alone. `to` overlaps none of the others.
+using BlendFunction = void (*)(uint8_t* to, const uint8_t* sharp, const uint8_t* blurred,
+                               const uint8_t* weight, size_t count);
 
 // On purpose below 128, where that comes out anyway.
 inline constexpr uint8_t kBlurAlone = 121;
