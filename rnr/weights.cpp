@@ -41,40 +41,37 @@ void weigh(uint8_t* blur, uint8_t* keep, size_t count, int32_t dx, int32_t dy,
 
 #else
 
-// Whether D is in [0, 2^31) for every pixel of the row, and full * D as well where it matters.
+// full * D / span for D in [0, span], without a division. D * factor is at most full * 2^24; what
+// the factor lacks is worth D / 2^24 <= 1, so the estimate is right or 1 too small. One comparison
+// of the remainder tells.
+struct Quotient {
+  explicit Quotient(const WeightRule& rule)
+      : full(rule.full), span(static_cast<uint32_t>(rule.span)), factor((full << kBits) / span) {}
+
+  ZAVRI_INLINE V32 of(V32 distance) const {
+    const V32 estimate = distance * factor >> kBits;
+    const V32 remainder = distance * full - estimate * span;
+    return estimate - (V32)(remainder >= span);  // a true comparison is -1
+  }
+
+  static constexpr int kBits = 24;
+  uint32_t full;
+  uint32_t span;
+  uint32_t factor;
+};
+
+// Whether D is in [0, 2^31) for every pixel of the row, full * D as well where it matters, and the
+// span within what Quotient divides by.
 bool lanes_hold(size_t count, int32_t dx, int32_t dy, const WeightRule& rule) {
   const int64_t first = dx;
   const int64_t last = first + static_cast<int64_t>(count) - 1;
   const int64_t nearest = std::clamp<int64_t>(0, first, last);
   const int64_t farthest = std::max(-first, last);
   const int64_t rest = int64_t{dy} * dy - rule.start;
-  return rule.span > 0 && int64_t{rule.full} * rule.span <= INT32_MAX &&
-         nearest * nearest + rest >= 0 && farthest * farthest + rest <= INT32_MAX;
+  return rule.span > 0 && rule.span <= 1 << Quotient::kBits &&
+         int64_t{rule.full} * rule.span <= INT32_MAX && nearest * nearest + rest >= 0 &&
+         farthest * farthest + rest <= INT32_MAX;
 }
-
-// full * D / span for D in [0, span], without a division: (D >> shift) * factor >> 24 falls short
-// of it by less than 1 in all. With the shift, D >> shift is below 2^16:
-//   what the shift drops is worth less than 2^shift * full / span <= full / 2^15;
-//   what the factor lacks, less than 2^16 / 2^24.
-// The product does not exceed full * 2^24. One comparison of the remainder then sets it right.
-struct Quotient {
-  explicit Quotient(const WeightRule& rule)
-      : full(rule.full), span(static_cast<uint32_t>(rule.span)), shift(0) {
-    while (span >> shift >= 1u << 16) ++shift;
-    factor = static_cast<uint32_t>((uint64_t{full} << (24 + shift)) / span);
-  }
-
-  ZAVRI_INLINE V32 of(V32 distance) const {
-    const V32 estimate = (distance >> shift) * factor >> 24;
-    const V32 remainder = distance * full - estimate * span;
-    return estimate - (V32)(remainder >= span);  // a true comparison is -1
-  }
-
-  uint32_t full;
-  uint32_t span;
-  uint32_t shift;
-  uint32_t factor;
-};
 
 // D of the pixels of one vector of bytes. Lane j of part p is pixel 4 * j + p: shifted by p bytes,
 // the parts are the bytes in their order.

@@ -14,8 +14,8 @@ inline constexpr int kWholeWeight = 128;  // blur and keep together
 //   full * D / span   where D < span, truncated towards zero and cut to a byte
 //   full              elsewhere, and everywhere for a span of 0
 //
-// All of it in 32 bits that wrap. A D below 0 (tiny planes only) gives a negative weight, which as
-// a byte means the blurred value alone.
+// All of it in 32 bits that wrap. A D below 0 (tiny planes only) gives a weight of 0 or below; as a
+// byte, one from -135 to -1 means the blurred value alone, one below that a mix.
 struct WeightRule {
   int32_t start;
   int32_t span;
