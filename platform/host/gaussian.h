@@ -14,21 +14,23 @@ inline constexpr size_t kGaussianReach = 2;
 // `to` are not written.
 void blur_gaussian(const uint8_t* from, size_t width, size_t height, uint8_t* to, bool borders);
 
-// Row kernels: [1 4 6 4 1] down the columns of five rows, unrounded, then along those sums.
-struct GaussianKernels {
-  // sums[0, count)
-  void (*down)(const uint8_t* const* rows, size_t count, uint16_t* sums);
-  // to[0, count), each centred on sums[x + kGaussianReach].
-  void (*along)(const uint16_t* sums, size_t count, uint8_t* to);
+// Some rows of the result, each `width` bytes behind the one before.
+struct GaussianBand {
+  uint8_t* to;
+  const uint8_t* const* rows;  // of the source: from kGaussianReach above to as many below
+  size_t count;
+  size_t width;
 };
 
-const GaussianKernels& gaussian_kernels(PlainBuild);
-const GaussianKernels& gaussian_kernels(Vector16Build);
-const GaussianKernels& gaussian_kernels(Vector32Build);
+// Blurs the columns [first, last) of a band.
+using GaussianFunction = void (*)(const GaussianBand& band, size_t first, size_t last);
 
-inline const GaussianKernels& gaussian_kernels(Build build = best_build()) {
-  return pick_build(build,
-                    [](auto tag) -> const GaussianKernels& { return gaussian_kernels(tag); });
+GaussianFunction gaussian_kernel(PlainBuild);
+GaussianFunction gaussian_kernel(Vector16Build);
+GaussianFunction gaussian_kernel(Vector32Build);
+
+inline GaussianFunction gaussian_kernel(Build build = best_build()) {
+  return pick_build(build, [](auto tag) { return gaussian_kernel(tag); });
 }
 
 }  // namespace zavri

@@ -1,87 +1,104 @@
+#include <algorithm>
+
 #include "platform/host/gaussian.h"
 
 #ifndef ZAVRI_BUILD_PLAIN
-#include "simd/vec.h"
+#include "simd/wide.h"
 #endif
 
 namespace zavri {
 namespace {
 
+constexpr size_t kTaps = 2 * kGaussianReach + 1;
 constexpr int kShift = 8;  // both weight sets sum to 16
 constexpr int kHalf = 1 << (kShift - 1);
 
-// The rule, for bytes and for vectors of them. Sums of columns are at most 16 * 255, those of the
-// whole block and the half at most 65408: 16 bits hold both.
+// Fed with x[0], x[1] .., returns x[n - 4] + 4 * x[n - 3] + 6 * x[n - 2] + 4 * x[n - 1] + x[n]:
+// four times in a row the sum of two neighbours. For the blur 16 bits hold it, also with kHalf:
+// 65408.
 template <class T>
+struct Binomial {
 #ifndef ZAVRI_BUILD_PLAIN
-ZAVRI_INLINE
+  ZAVRI_INLINE
 #endif
-T weighted(T a, T b, T c, T d, T e) {
-  return static_cast<T>(a + e + (b + d) * 4 + c * 6);
-}
-
-void down_plain(const uint8_t* const* rows, size_t from, size_t count, uint16_t* sums) {
-  for (size_t x = from; x < count; ++x) {
-    sums[x] = weighted<uint16_t>(rows[0][x], rows[1][x], rows[2][x], rows[3][x], rows[4][x]);
+  T feed(T x) {
+    for (T& before : last) {
+      const T sum = static_cast<T>(before + x);
+      before = x;
+      x = sum;
+    }
+    return x;
   }
-}
 
-void along_plain(const uint16_t* sums, size_t from, size_t count, uint8_t* to) {
-  for (size_t x = from; x < count; ++x) {
-    const auto sum =
-        weighted<uint16_t>(sums[x], sums[x + 1], sums[x + 2], sums[x + 3], sums[x + 4]);
-    to[x] = static_cast<uint8_t>((sum + kHalf) >> kShift);
+  T last[kTaps - 1]{};
+};
+
+void blur_plain(const GaussianBand& band, size_t first, size_t last) {
+  for (size_t x = first; x < last; ++x) {
+    size_t columns[kTaps];
+    for (size_t i = 0; i < kTaps; ++i) {
+      columns[i] = std::min(std::max(x + i, kGaussianReach) - kGaussianReach, band.width - 1);
+    }
+    Binomial<uint16_t> down;
+    for (size_t j = 0; j < band.count + kTaps - 1; ++j) {
+      const uint8_t* const row = band.rows[j];
+      const int along = row[columns[0]] + row[columns[4]] + 6 * row[columns[2]] +
+                        4 * (row[columns[1]] + row[columns[3]]);
+      const int sum = down.feed(static_cast<uint16_t>(along));
+      if (j < kTaps - 1) continue;
+      band.to[(j - (kTaps - 1)) * band.width + x] = static_cast<uint8_t>((sum + kHalf) >> kShift);
+    }
   }
 }
 
 #ifdef ZAVRI_BUILD_PLAIN
 
-void down(const uint8_t* const* rows, size_t count, uint16_t* sums) {
-  down_plain(rows, 0, count, sums);
-}
-
-void along(const uint16_t* sums, size_t count, uint8_t* to) { along_plain(sums, 0, count, to); }
+void blur(const GaussianBand& band, size_t first, size_t last) { blur_plain(band, first, last); }
 
 #else
 
-constexpr size_t kLanes = kVectorBytes / 2;
-
-void down(const uint8_t* const* rows, size_t count, uint16_t* sums) {
-  const uint8_t* const a = rows[0];
-  const uint8_t* const b = rows[1];
-  const uint8_t* const c = rows[2];
-  const uint8_t* const d = rows[3];
-  const uint8_t* const e = rows[4];
-  size_t x = 0;
-  for (; x + kLanes <= count; x += kLanes) {
-    store16(sums + x, weighted(load_wide(a + x), load_wide(b + x), load_wide(c + x),
-                               load_wide(d + x), load_wide(e + x)));
-  }
-  down_plain(rows, x, count, sums);
+// The sums along a row, centred on row[0] and the bytes after it.
+ZAVRI_INLINE Wide sums_along(const uint8_t* row) {
+  static_assert(kGaussianReach == 2);
+  const Wide sums = add_products(widen(load(row + 2)), load(row - 2), 1, load(row - 1), 4);
+  return add_products(sums, load(row), 6, load(row + 1), 4);
 }
 
-ZAVRI_INLINE V16 blurred(const uint16_t* sums) {
-  return (weighted(load16(sums), load16(sums + 1), load16(sums + 2), load16(sums + 3),
-                   load16(sums + 4)) +
-          kHalf) >>
-         kShift;
+// Bytes that are asked for ahead of a row's vector: walking down the rows, a vector's width at a
+// time, is no pattern that processors foresee.
+constexpr size_t kAhead = 128;
+
+// A vector's width of columns, all with their neighbours inside.
+ZAVRI_INLINE void blur_columns(const GaussianBand& band, size_t x) {
+  Binomial<V16> down[2];
+  const auto feed = [&](size_t j) {
+    __builtin_prefetch(band.rows[j] + x + kAhead);
+    const Wide sums = sums_along(band.rows[j] + x);
+    return Wide{{down[0].feed(sums.part[0]), down[1].feed(sums.part[1])}};
+  };
+  for (size_t j = 0; j < kTaps - 1; ++j) feed(j);
+  uint8_t* to = band.to + x;
+  for (size_t row = 0; row < band.count; ++row, to += band.width) {
+    const Wide sums = feed(row + kTaps - 1);
+    __builtin_prefetch(to + kAhead, 1);
+    store(to, narrow({{(sums.part[0] + kHalf) >> kShift, (sums.part[1] + kHalf) >> kShift}}));
+  }
 }
 
-void along(const uint16_t* sums, size_t count, uint8_t* to) {
-  size_t x = 0;
-  for (; x + kVectorBytes <= count; x += kVectorBytes) {
-    store(to + x, bytes_of(blurred(sums + x), blurred(sums + x + kLanes)));
-  }
-  along_plain(sums, x, count, to);
+void blur(const GaussianBand& band, size_t first, size_t last) {
+  const size_t begin = std::max(first, kGaussianReach);
+  const size_t end = std::min(last, band.width - std::min(band.width, kGaussianReach));
+  if (end < begin + kVectorBytes) return blur_plain(band, first, last);
+  blur_plain(band, first, begin);
+  for (size_t x = begin; x + kVectorBytes <= end; x += kVectorBytes) blur_columns(band, x);
+  blur_columns(band, end - kVectorBytes);  // repeats some of the columns before it
+  blur_plain(band, end, last);
 }
 
 #endif
 
 }  // namespace
 
-const GaussianKernels& gaussian_kernels(ThisBuild) {
-  static constexpr GaussianKernels kKernels = {down, along};
-  return kKernels;
-}
+GaussianFunction gaussian_kernel(ThisBuild) { return blur; }
 
 }  // namespace zavri
