@@ -5,6 +5,7 @@
 
 #include "bench/summary.h"
 #include "bench/timing.h"
+#include "bench/touch.h"
 #include "bench/workload.h"
 #include "include/zavricustpro.h"
 #include "rnr/blend.h"
@@ -80,18 +81,43 @@ void add_peer(const std::string& name, int width, int height) {
 }
 #endif
 
+// The bytes of the three steps, each for the whole tile.
+void touch_tile(uint8_t* plane, size_t stride, uint32_t k) {
+  const T_RnrTile& tile = g_rnr_state.tiles[k];
+  const RnrBuffers& buffers = g_rnr_state.buffers[k];
+  const auto width = static_cast<size_t>(tile.width);
+  const size_t bytes = width * static_cast<size_t>(tile.height);
+  uint8_t* const first = plane + static_cast<size_t>(tile.y) * stride + tile.x;
+  for (size_t row = 0, at = 0; at < bytes; ++row, at += width) {
+    const uint8_t* const from[] = {first + row * stride};
+    touch_row(buffers.tile_copy + at, from, 1, width);
+  }
+  const uint8_t* const copy[] = {buffers.tile_copy};
+  touch_row(buffers.blurred, copy, 1, bytes);
+  for (size_t row = 0, at = 0; at < bytes; ++row, at += width) {
+    const uint8_t* const from[] = {buffers.tile_copy + at, buffers.blurred + at,
+                                   buffers.blur_weight + at};
+    touch_row(first + row * stride, from, 3, width);
+  }
+}
+
 void add_plane(int width, int height) {
   const std::string group = "rnr/" + std::to_string(width) + 'x' + std::to_string(height);
   Summary::expect(group, {0, 0, 0, 0, 0.6});
-  add_benchmark(group + "/tiles", [=](benchmark::State& state) {
-    Bytes luma = run_plane(width, height, Runs::kShort);
-    const auto stride = static_cast<uint32_t>(width);
-    zavri_mp_RNR_init_base(stride, static_cast<uint32_t>(height), stride, 100, 80);
-    for (uint32_t k = 0; k < kRnrTiles; ++k) zavri_mp_RNR_init_weight(&k);
-    time_work(state, [&] {
-      for (uint32_t k = 0; k < kRnrTiles; ++k) zavri_mp_RNR_process_inner(&k, luma.data());
+  const auto add = [&](const char* variant, auto work) {
+    add_benchmark(group + '/' + variant, [=](benchmark::State& state) {
+      Bytes luma = run_plane(width, height, Runs::kShort);
+      const auto stride = static_cast<uint32_t>(width);
+      zavri_mp_RNR_init_base(stride, static_cast<uint32_t>(height), stride, 100, 80);
+      for (uint32_t k = 0; k < kRnrTiles; ++k) zavri_mp_RNR_init_weight(&k);
+      time_work(state, [&] {
+        for (uint32_t k = 0; k < kRnrTiles; ++k) work(luma.data(), k);
+      });
     });
-  });
+  };
+  add("tiles", [](uint8_t* plane, uint32_t k) { zavri_mp_RNR_process_inner(&k, plane); });
+  add("touch",
+      [width](uint8_t* plane, uint32_t k) { touch_tile(plane, static_cast<size_t>(width), k); });
 #ifdef ZAVRI_BENCH_RNR_PEER
   add_peer(group + "/peer", width, height);
 #endif
