@@ -62,7 +62,7 @@ uint32_t zavri_mp_compose_two_same_frame(const T_ComposeParam* param) {
                         "zavri-mp::compose, error para !!!");
     return zavri::kBadParameters;
   }
-  __android_log_print(zavri::kLogVerbose, zavri::kTagPool,
+  __android_log_print(zavri::kLogVerbose, zavri::kTagDefog,
                       "KADRO::compose begin, width=%d, height=%d", param->width, param->height);
   // Taken in every call, so that it depends on the size alone whether one fails for want of memory.
   // The output then stays as it was, and the caller is not told.
@@ -70,6 +70,6 @@ uint32_t zavri_mp_compose_two_same_frame(const T_ComposeParam* param) {
     zavri::lay_out(*param, static_cast<uint8_t*>(scratch));
     free(scratch);
   }
-  __android_log_print(zavri::kLogVerbose, zavri::kTagPool, "KADRO::compose end");
+  __android_log_print(zavri::kLogVerbose, zavri::kTagDefog, "KADRO::compose end");
   return 0;
 }

@@ -12,6 +12,6 @@ inline constexpr int kLogVerbose = 2;
 inline constexpr int kLogError = 6;
 
 inline constexpr const char* kTagProcessing = "ZVC";
-inline constexpr const char* kTagPool = "Defog";
+inline constexpr const char* kTagDefog = "Defog";
 
 }  // namespace zavri

@@ -146,7 +146,7 @@ TEST_F(Denoise3dEntryPool, IsSilentWithoutGeometry) {
 
 TEST_F(Denoise3dEntryPool, LogsAndLocksInOrder) {
   const auto entry = [](const char* text) { return LogLine{kLogError, kTagProcessing, text}; };
-  const auto pool = [](const char* text) { return LogLine{kLogVerbose, kTagPool, text}; };
+  const auto pool = [](const char* text) { return LogLine{kLogVerbose, kTagDefog, text}; };
   const auto watched = [](const char* event) { return LogLine{0, kWatchTag, event}; };
   std::vector<LogLine> expected = {
       entry("zavri-mp 3dyuv begin"),

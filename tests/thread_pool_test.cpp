@@ -15,7 +15,7 @@ namespace {
 
 std::vector<LogLine> pool_lines(std::initializer_list<std::string> texts) {
   std::vector<LogLine> lines;
-  for (const std::string& text : texts) lines.push_back({kLogVerbose, kTagPool, text});
+  for (const std::string& text : texts) lines.push_back({kLogVerbose, kTagDefog, text});
   return lines;
 }
 

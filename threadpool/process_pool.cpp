@@ -14,7 +14,7 @@ int HALThreadPoolInit() {
   }
   // The half-started pool stays: its threads may already wait on it, and the caller goes on to
   // queue its work there. The next call replaces it.
-  __android_log_print(zavri::kLogVerbose, zavri::kTagPool, "Failed to initialize g_threadpool!");
+  __android_log_print(zavri::kLogVerbose, zavri::kTagDefog, "Failed to initialize g_threadpool!");
   return -1;
 }
 

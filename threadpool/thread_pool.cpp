@@ -5,7 +5,7 @@
 #include "platform/log.h"
 
 using zavri::kLogVerbose;
-using zavri::kTagPool;
+using zavri::kTagDefog;
 
 namespace {
 
@@ -47,7 +47,7 @@ ThreadPool::ThreadPool() : ThreadPool(4) {}
 
 ThreadPool::ThreadPool(int size) : pool_size(size), pool_state(kRunning) {
   pthread_cond_init(&task_cond, nullptr);
-  __android_log_print(kLogVerbose, kTagPool, "Constructed ThreadPool of size %d.", pool_size);
+  __android_log_print(kLogVerbose, kTagDefog, "Constructed ThreadPool of size %d.", pool_size);
 }
 
 ThreadPool::~ThreadPool() {
@@ -64,12 +64,12 @@ int ThreadPool::initialize_threadpool() {
     pthread_t thread;
     const int result = pthread_create(&thread, nullptr, start_thread, this);
     if (result != 0) {
-      __android_log_print(kLogVerbose, kTagPool, "pthread_create() failed: %d.", result);
+      __android_log_print(kLogVerbose, kTagDefog, "pthread_create() failed: %d.", result);
       return -1;
     }
     threads.push_back(thread);
   }
-  __android_log_print(kLogVerbose, kTagPool, "%d threads created by the thread pool", pool_size);
+  __android_log_print(kLogVerbose, kTagDefog, "%d threads created by the thread pool", pool_size);
   return 0;
 }
 
@@ -77,19 +77,19 @@ int ThreadPool::destroy_threadpool() {
   task_lock.lock();
   pool_state = kStopped;
   task_lock.unlock();
-  __android_log_print(kLogVerbose, kTagPool, "Broadcasting STOP signal to all threads...");
+  __android_log_print(kLogVerbose, kTagDefog, "Broadcasting STOP signal to all threads...");
   pthread_cond_broadcast(&task_cond);
   // A half-started pool has fewer threads than its size.
   for (size_t i = 0; i < threads.size(); ++i) {
     const int result = pthread_join(threads[i], nullptr);
     if (result != 0) {
       // The text is errno's on purpose, not that of the result.
-      __android_log_print(kLogVerbose, kTagPool, "pthread_join() returned %d: %s", result,
+      __android_log_print(kLogVerbose, kTagDefog, "pthread_join() returned %d: %s", result,
                           strerror(errno));
     }
     pthread_cond_broadcast(&task_cond);
   }
-  __android_log_print(kLogVerbose, kTagPool, "%d threads exited from the thread pool", pool_size);
+  __android_log_print(kLogVerbose, kTagDefog, "%d threads exited from the thread pool", pool_size);
   return 0;
 }
 

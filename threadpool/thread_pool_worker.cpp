@@ -7,7 +7,7 @@
 namespace {
 
 void log_failure(int result, const char* text) {
-  if (result != 0) __android_log_print(zavri::kLogVerbose, zavri::kTagPool, "%s", text);
+  if (result != 0) __android_log_print(zavri::kLogVerbose, zavri::kTagDefog, "%s", text);
 }
 
 }  // namespace
