@@ -97,7 +97,7 @@ void add_entry(int width, int height) {
       time_work(state, [&] { compose(frames->param); });
     });
   };
-  add("entry", [](const T_ComposeParam& param) { zavri_mp_compose_two_same_frame(&param); });
+  add("entry", [](T_ComposeParam& param) { zavri_mp_compose_two_same_frame(&param); });
 #ifdef ZAVRI_BENCH_LIBYUV
   add("peer", compose_with_libyuv);
 #endif

@@ -56,7 +56,7 @@ void lay_out(const T_ComposeParam& param, uint8_t* scratch) {
 }  // namespace
 }  // namespace zavri
 
-uint32_t zavri_mp_compose_two_same_frame(const T_ComposeParam* param) {
+uint32_t zavri_mp_compose_two_same_frame(T_ComposeParam* param) {
   if (!zavri::valid(param)) {
     __android_log_print(zavri::kLogError, zavri::kTagProcessing,
                         "zavri-mp::compose, error para !!!");

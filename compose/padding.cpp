@@ -27,8 +27,8 @@ constexpr Placement kPlacements[kPaddingModes] = {
 };
 
 struct Band {
-  size_t column;
-  size_t bytes;
+  int column;
+  int bytes;
 };
 
 // Columns of a row of the picture, the same for luma and chroma.
@@ -36,23 +36,23 @@ struct RowLayout {
   RowLayout(const T_ComposeParam& param, const Placement& placement);
 
   Band left;
-  size_t frame1;
+  int frame1;
   Band middle;
-  size_t frame2;
+  int frame2;
   Band right;
-  size_t frame_bytes;  // written of each frame
-  size_t picture_row;  // how far writing a row moves on in the picture,
-  size_t source_row;   // and reading one in a source
+  int frame_bytes;  // written of each frame
+  int picture_row;  // how far writing a row moves on in the picture,
+  int source_row;   // and reading one in a source
 };
 
 RowLayout::RowLayout(const T_ComposeParam& param, const Placement& placement) {
-  const auto band_bytes = [&](Share share) -> size_t {
+  const auto band_bytes = [&](Share share) {
     if (share == Share::kNone) return 0;
     return share == Share::kAll ? param.padding : param.padding >> 1;
   };
-  const size_t used = size_t{param.width} - param.padding;  // columns of a source
-  const size_t span = used / 2;
-  frame_bytes = used / 4 * 2;
+  const int used = param.width - param.padding;  // columns of a source
+  const int span = used / 2;
+  frame_bytes = used < 4 ? 0 : used / 4 * 2;
   left = {0, band_bytes(placement.left)};
   frame1 = left.bytes;
   middle = {frame1 + span, band_bytes(placement.middle)};
@@ -70,10 +70,11 @@ RowLayout::RowLayout(const T_ComposeParam& param, const Placement& placement) {
 void write_row(uint8_t* to, const RowLayout& layout, uint8_t black, const uint8_t* from1,
                const uint8_t* from2, DecimateFunction decimate) {
   for (const Band& band : {layout.left, layout.middle, layout.right}) {
-    memset(to + band.column, black, band.bytes);
+    memset(to + band.column, black, static_cast<size_t>(band.bytes));
   }
-  decimate(to + layout.frame1, from1, layout.frame_bytes);
-  decimate(to + layout.frame2, from2, layout.frame_bytes);
+  const auto bytes = static_cast<size_t>(layout.frame_bytes);
+  decimate(to + layout.frame1, from1, bytes);
+  decimate(to + layout.frame2, from2, bytes);
 }
 
 }  // namespace
@@ -84,12 +85,12 @@ void write_row(uint8_t* to, const RowLayout& layout, uint8_t black, const uint8_
 void fill_picture(const T_ComposeParam& param, uint32_t mode, uint8_t* luma, uint8_t* chroma) {
   const DecimateKernels& decimate = decimate_kernels();
   const RowLayout layout(param, kPlacements[mode]);
-  const size_t width = param.width;
-  const auto write = [&](uint8_t* to, size_t from, uint8_t black, DecimateFunction samples) {
+  const ptrdiff_t width = param.width;
+  const auto write = [&](uint8_t* to, ptrdiff_t from, uint8_t black, DecimateFunction samples) {
     write_row(to, layout, black, param.src_frame1 + from, param.src_frame2 + from, samples);
   };
-  size_t luma_from = width;
-  size_t chroma_from = width * param.height + width;
+  ptrdiff_t luma_from = width;
+  ptrdiff_t chroma_from = width * param.height + width;
   for (int k = 0; k < param.height / 4; ++k) {
     write(luma, luma_from, kBlackLuma, decimate.luma);
     write(luma + width, luma_from + 2 * width, kBlackLuma, decimate.luma);
@@ -103,9 +104,9 @@ void fill_picture(const T_ComposeParam& param, uint32_t mode, uint8_t* luma, uin
 
 bool fill_covers_picture(const T_ComposeParam& param, uint32_t mode) {
   if (mode >= kPaddingModes || param.height % 4 != 0) return false;
-  const RowLayout layout(param, kPlacements[mode]);
-  const size_t bands = layout.left.bytes + layout.middle.bytes + layout.right.bytes;
-  return bands + 2 * layout.frame_bytes == param.width;
+  const int used = param.width - param.padding;
+  const bool whole_bands = mode != kPaddingLeftRight || param.padding % 2 == 0;
+  return used >= 0 && used % 4 == 0 && whole_bands;
 }
 
 }  // namespace zavri
@@ -120,19 +121,18 @@ void fill_scratch(const T_ComposeParam& param, uint32_t mode, uint8_t* scratch) 
 
 }  // namespace
 
-void zavri_mp_compose_two_same_frame_padding_left(const T_ComposeParam* param, uint8_t* scratch) {
+void zavri_mp_compose_two_same_frame_padding_left(T_ComposeParam* param, uint8_t* scratch) {
   fill_scratch(*param, zavri::kPaddingLeft, scratch);
 }
 
-void zavri_mp_compose_two_same_frame_padding_right(const T_ComposeParam* param, uint8_t* scratch) {
+void zavri_mp_compose_two_same_frame_padding_right(T_ComposeParam* param, uint8_t* scratch) {
   fill_scratch(*param, zavri::kPaddingRight, scratch);
 }
 
-void zavri_mp_compose_two_same_frame_padding_center(const T_ComposeParam* param, uint8_t* scratch) {
+void zavri_mp_compose_two_same_frame_padding_center(T_ComposeParam* param, uint8_t* scratch) {
   fill_scratch(*param, zavri::kPaddingCenter, scratch);
 }
 
-void zavri_mp_compose_two_same_frame_padding_left_right(const T_ComposeParam* param,
-                                                        uint8_t* scratch) {
+void zavri_mp_compose_two_same_frame_padding_left_right(T_ComposeParam* param, uint8_t* scratch) {
   fill_scratch(*param, zavri::kPaddingLeftRight, scratch);
 }

@@ -203,6 +203,11 @@ ZAVRI_EXPORT uint32_t zavri_mp_single_UV_denoise(T_UVDenoiseParam* param);
  * grows with the squared distance until that is `radius_percent` of a corner's; beyond, pixels are
  * `strength_percent` of the way to their blurred value, and wholly there from 95 % on.
  *
+ * Squared distances are counted in 32 bits. With C = (width / 2)^2 + (height / 2)^2, a corner's, F
+ * the smaller of C and C * radius_percent / 100, and r = min(width, height) / 4 - 1: sides must be
+ * below 65536, C * radius_percent below 2^32 and (F - r^2) * (strength_percent * 128 / 100) below
+ * 2^31. Otherwise the weights are those of numbers that wrapped.
+ *
  * The tables are the process's. Use: zavri_mp_RNR_init_base; after each call that returned 1,
  * zavri_mp_RNR_init_weight for all tiles; then zavri_mp_RNR_process_inner for all tiles of each
  * plane. Calls for different tiles may run at the same time, none of them during the first. Tile
@@ -210,7 +215,8 @@ ZAVRI_EXPORT uint32_t zavri_mp_single_UV_denoise(T_UVDenoiseParam* param);
 
 /* Lays down the geometry: pixels, rows, bytes from row to row, and the two percentages. Returns 1
  * when the tables were built anew; 0, and keeps all of them, when nothing but the strength differs
- * from the call before: a new strength alone has no effect. */
+ * from the call before: a new strength alone has no effect. A rebuild needs four bytes of memory
+ * for each pixel of the tiles, which must be had; the library keeps them until the next rebuild. */
 ZAVRI_EXPORT uint32_t zavri_mp_RNR_init_base(uint32_t width, uint32_t height, uint32_t stride,
                                              uint32_t radius_percent, int32_t strength_percent);
 
@@ -240,8 +246,8 @@ ZAVRI_EXPORT uint32_t zavri_mp_RNR_process(void);
  *
  * The rightmost `padding` columns of the sources are not used. Exact for a `height` that is a
  * multiple of 8, a `width` - `padding` that is a multiple of 4 and, in mode 3, an even `padding`;
- * otherwise rows of the picture slide to the left, and single bytes are 0, overlap or, where
- * `width` * `height` is no multiple of 8, stay as they were.
+ * otherwise rows of the picture slide to the left, and single bytes are 0 or, where `width` *
+ * `height` is no multiple of 8, stay as they were.
  */
 typedef struct tagT_ComposeParam {
   uint16_t width;    /* pixels */
@@ -258,19 +264,19 @@ typedef struct tagT_ComposeParam {
 /* Writes dst_frame. Needs a scratch frame of 3/4 * width * height bytes for the time of the call;
  * when there is no memory for it, dst_frame stays as it was and the result is still 0. Any number
  * of threads may compose different records. Returns 0, or 2 for a null pointer or a size of 0. */
-ZAVRI_EXPORT uint32_t zavri_mp_compose_two_same_frame(const T_ComposeParam* param);
+ZAVRI_EXPORT uint32_t zavri_mp_compose_two_same_frame(T_ComposeParam* param);
 
 /* The middle part of it for modes 0..3: both reduced frames and the bands, written to `scratch`, a
  * frame of `width` by `height` / 2 without row padding: width * height / 2 bytes of luma, half as
  * many of chroma. `mode` and `dst_frame` are not read. A height below 4 writes nothing, a `width` -
  * `padding` below 4 only the bands. */
-ZAVRI_EXPORT void zavri_mp_compose_two_same_frame_padding_left(const T_ComposeParam* param,
+ZAVRI_EXPORT void zavri_mp_compose_two_same_frame_padding_left(T_ComposeParam* param,
                                                                uint8_t* scratch);
-ZAVRI_EXPORT void zavri_mp_compose_two_same_frame_padding_right(const T_ComposeParam* param,
+ZAVRI_EXPORT void zavri_mp_compose_two_same_frame_padding_right(T_ComposeParam* param,
                                                                 uint8_t* scratch);
-ZAVRI_EXPORT void zavri_mp_compose_two_same_frame_padding_center(const T_ComposeParam* param,
+ZAVRI_EXPORT void zavri_mp_compose_two_same_frame_padding_center(T_ComposeParam* param,
                                                                  uint8_t* scratch);
-ZAVRI_EXPORT void zavri_mp_compose_two_same_frame_padding_left_right(const T_ComposeParam* param,
+ZAVRI_EXPORT void zavri_mp_compose_two_same_frame_padding_left_right(T_ComposeParam* param,
                                                                      uint8_t* scratch);
 
 /* Auto-shoot: flags, and measures of a rectangle of a luma plane. */

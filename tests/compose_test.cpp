@@ -112,7 +112,7 @@ struct Frames {
   T_ComposeParam param{};
 };
 
-using Fill = void (*)(const T_ComposeParam*, uint8_t*);
+using Fill = void (*)(T_ComposeParam*, uint8_t*);
 constexpr Fill kFills[] = {zavri_mp_compose_two_same_frame_padding_left,
                            zavri_mp_compose_two_same_frame_padding_right,
                            zavri_mp_compose_two_same_frame_padding_center,
@@ -163,8 +163,8 @@ struct Shape {
   int padding;
 };
 // The last ones leave bytes out: sizes that are no multiples, rows that slide, no row at all.
-constexpr Shape kShapes[] = {{16, 8, 0},  {16, 8, 4},  {64, 24, 12}, {36, 8, 36}, {20, 4, 8},
-                             {66, 12, 0}, {66, 10, 4}, {37, 8, 5},   {31, 9, 0},  {24, 3, 8}};
+constexpr Shape kShapes[] = {{36, 8, 36}, {20, 4, 8}, {66, 12, 0}, {66, 10, 4},
+                             {37, 8, 5},  {31, 9, 0}, {24, 3, 8}};
 
 TEST(Compose, LaysThePictureBetweenBars) {
   Random random(3);
