@@ -281,6 +281,8 @@ TEST_F(Zavri, BadInputIsOneLineStatusTwoAndNoFile) {
   write_file(path("short.y4m"), encode(to_frame(gradient(8, 8)), "a.y4m"));
   fs::resize_file(path("short.y4m"), 60);
   write_file(path("large.ppm"), encode(gradient(96, 160), "large.ppm"));
+  write_file(path("tiny.ppm"), encode(gradient(1, 1), "tiny.ppm"));
+  write_file(path("long_8192x2.nv12"), Bytes(8192 * 3));
   std::ofstream(path("few.txt")) << "64 20 -5";
   const std::vector<std::string> before = files();
   struct {
@@ -300,6 +302,7 @@ TEST_F(Zavri, BadInputIsOneLineStatusTwoAndNoFile) {
       {"view bad.png -o out.png", "bad.png: not a PNG"},
       {"view short.y4m -o out.png", "short.y4m: the stream ends within frame 0"},
       {"view photo.png -o photo.png", "--force"},
+      {"view tiny.ppm -o out.png", "tiny.ppm: a picture of 1x1"},
       {"compare photo.png frame0_64x48.nv12 --size 48x64", "cannot be compared"},
       {"chroma photo.png --taps 9 -o out.png", "--taps 9: there are 7, 11, 15 and 19"},
       {"chroma photo.png -o out.png", "64x48 is too small for 11 taps: it takes 96x160"},
@@ -314,6 +317,8 @@ TEST_F(Zavri, BadInputIsOneLineStatusTwoAndNoFile) {
       {"resize photo.png --to 128x96 --mode 1 -o out.png", "--mode 1: there are poly, bilinear"},
       {"rnr photo.png --radius 0 -o out.png", "--radius"},
       {"rnr photo.png --strength 101 -o out.png", "--strength"},
+      {"rnr long_8192x2.nv12 --radius 256 -o out.png", "--radius 256: at 8192x2 at most 255"},
+      {"rnr long_8192x2.nv12 --strength 100 -o out.png", "--radius 100 at most 99"},
       {"compose photo.png frame0_64x48.nv12 --padding 65 -o out.png", "--padding 65"},
       {"compose photo.png frame0_64x48.nv12 --pad 1 -o out.png", "--pad 1: there are left, right"},
       {"compose photo.png frame0_64x48.nv12 --size 32x96 -o out.png", "one size"},
@@ -441,7 +446,9 @@ TEST_F(Zavri, ComposeIsTheLibrarysFrame) {
     EXPECT_EQ(outcome.err, "");
     EXPECT_EQ(read_file(path("out_64x48.nv12")), expected) << places[mode];
   }
-  EXPECT_NE(run("compose a_64x48.nv12 b_64x48.nv21 --padding 9 --force -o out.png").err, "");
+  const Outcome inexact = run("compose a_64x48.nv12 b_64x48.nv21 --padding 9 --force -o out.png");
+  EXPECT_NE(inexact.err.find("padding, 55, is no multiple of 4\n"), std::string::npos)
+      << inexact.err;
 }
 
 // The chroma denoise of the frame with U first, its plane at its size, strip after strip.
@@ -569,6 +576,14 @@ TEST_F(Zavri, DemoWritesPicturesAndNumbersOfAnyPhotograph) {
   EXPECT_EQ(load_picture(path("results/rnr.png")).width, 1800);
   EXPECT_EQ(load_picture(path("results/compose.png")).height, 1200);
   EXPECT_EQ(run("info results/after.png").status, kDone);
+
+  // Of small ones, the operations that they are large enough for.
+  for (const auto& [width, height] : {std::pair{32, 10}, {40, 200}}) {
+    write_file(path("small.png"), encode(gradient(width, height), "small.png"));
+    const Outcome small = run("demo small.png -o results" + std::to_string(height));
+    EXPECT_EQ(small.status, kDone) << small.err;
+    EXPECT_NE(small.out.find("rnr.png"), std::string::npos) << small.out;
+  }
 }
 
 }  // namespace

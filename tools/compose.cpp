@@ -2,15 +2,12 @@
 
 #include <zavricustpro.h>
 
-#include <algorithm>
-
 #include "tools/error.h"
 #include "tools/timing.h"
 
 namespace zavri::tools {
 namespace {
 
-constexpr int kLargestSide = 65535;         // the record's sizes have 16 bits
 constexpr uint64_t kPixelsEnd = 390451573;  // 2^32 / 11
 
 // Luma and chroma in one piece, U first.
@@ -21,24 +18,22 @@ std::vector<uint8_t> whole(const Frame& frame) {
   return bytes;
 }
 
-void check(const Frame& a, const Frame& b, const ComposeSettings& settings) {
+}  // namespace
+
+std::string refusal(const Frame& frame, const ComposeSettings& settings) {
+  const auto pixels = static_cast<uint64_t>(frame.width) * static_cast<uint64_t>(frame.height);
+  if (pixels >= kPixelsEnd) return frame.size() + ": at most 390 megapixels can be composed";
+  if (settings.padding <= frame.width) return {};
+  return "--padding " + std::to_string(settings.padding) + ": at most the width, " +
+         std::to_string(frame.width);
+}
+
+Composed compose(const Frame& a, const Frame& b, const ComposeSettings& settings, int runs) {
   if (a.width != b.width || a.height != b.height) {
     throw Error("frames of " + a.size() + " and " + b.size() + ": both must have one size");
   }
-  const auto pixels = static_cast<uint64_t>(a.width) * static_cast<uint64_t>(a.height);
-  if (std::max(a.width, a.height) > kLargestSide || pixels >= kPixelsEnd) {
-    throw Error(a.size() + ": at most 65535 pixels a side and 390 megapixels can be composed");
-  }
-  if (settings.padding > a.width) {
-    throw Error("--padding " + std::to_string(settings.padding) + ": at most the width, " +
-                std::to_string(a.width));
-  }
-}
-
-}  // namespace
-
-Composed compose(const Frame& a, const Frame& b, const ComposeSettings& settings, int runs) {
-  check(a, b, settings);
+  const std::string refused = refusal(a, settings);
+  if (!refused.empty()) throw Error(refused);
   const std::vector<uint8_t> source1 = whole(a);
   const std::vector<uint8_t> source2 = whole(b);
   std::vector<uint8_t> output(source1.size());
@@ -55,10 +50,12 @@ Composed compose(const Frame& a, const Frame& b, const ComposeSettings& settings
   std::vector<double> seconds;
   for (int run = 0; run < runs; ++run) {
     uint32_t code = 0;
+    output[0] = 1;  // in a frame that was written, 0
     seconds.push_back(seconds_of([&] { code = zavri_mp_compose_two_same_frame(&param); }));
     if (code != 0) {
       throw Error("the library refused the frames with code " + std::to_string(code), kRefused);
     }
+    if (output[0] != 0) throw Error("the library had no memory for its scratch frame", kRefused);
   }
   result.seconds = median(seconds);
   const auto chroma = output.begin() + static_cast<ptrdiff_t>(result.frame.luma.size());
@@ -68,10 +65,16 @@ Composed compose(const Frame& a, const Frame& b, const ComposeSettings& settings
 }
 
 std::string remark(const Frame& frame, const ComposeSettings& settings) {
-  const bool even_bands = settings.pad != Pad::kBoth || settings.padding % 2 == 0;
-  if ((frame.width - settings.padding) % 4 == 0 && frame.height % 8 == 0 && even_bands) return {};
-  return "the picture is exact for a height that is a multiple of 8, a width less the padding that "
-         "is one of 4, and two bands of whole columns";
+  std::string reasons;
+  const auto check = [&](const char* what, int number, int divisor) {
+    if (number % divisor == 0) return;
+    reasons += (reasons.empty() ? ": " : "; ") + std::string(what) + ", " + std::to_string(number) +
+               ", is no multiple of " + std::to_string(divisor);
+  };
+  check("the width less the padding", frame.width - settings.padding, 4);
+  check("the height", frame.height, 8);
+  if (settings.pad == Pad::kBoth) check("the padding of both bands", settings.padding, 2);
+  return reasons.empty() ? reasons : "the picture is not exact" + reasons;
 }
 
 }  // namespace zavri::tools

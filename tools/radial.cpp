@@ -30,18 +30,6 @@ void process(const void* tile, const void*, void* plane) {
   zavri_mp_RNR_process_inner(tile, plane);
 }
 
-// The library counts squared distances in 32 bits.
-void check(const Frame& frame, const RadialSettings& settings) {
-  const auto half_width = static_cast<uint64_t>(frame.width) / 2;
-  const auto half_height = static_cast<uint64_t>(frame.height) / 2;
-  const uint64_t corner = half_width * half_width + half_height * half_height;
-  const uint64_t most = UINT32_MAX / corner;
-  if (static_cast<uint64_t>(settings.radius) > most || std::max(half_width, half_height) > 0x7fff) {
-    throw Error("--radius " + std::to_string(settings.radius) + ": at " + frame.size() +
-                " at most " + std::to_string(most) + ", and 65535 pixels a side");
-  }
-}
-
 void build_tables(const Frame& frame, const RadialSettings& settings) {
   const auto width = static_cast<uint32_t>(frame.width);
   // The library keeps its tables when only the strength is new.
@@ -53,8 +41,28 @@ void build_tables(const Frame& frame, const RadialSettings& settings) {
 
 }  // namespace
 
+// The library counts squared distances, and their products with the weight, in 32 bits.
+std::string refusal(const Frame& frame, const RadialSettings& settings) {
+  const auto square = [](int64_t value) { return value * value; };
+  const int64_t corner = square(frame.width / 2) + square(frame.height / 2);
+  const int64_t most_radius = UINT32_MAX / corner;
+  if (settings.radius > most_radius) {
+    return "--radius " + std::to_string(settings.radius) + ": at " + frame.size() + " at most " +
+           std::to_string(most_radius);
+  }
+  const int64_t start = square(std::min(frame.width, frame.height) / 4 - 1);
+  const int64_t span = std::min(corner, corner * settings.radius / 100) - start;
+  const int64_t full = settings.strength * 128 / 100;
+  if (span <= 0 || full * span <= INT32_MAX) return {};
+  const int64_t most_strength = ((INT32_MAX / span + 1) * 100 - 1) / 128;
+  return "--strength " + std::to_string(settings.strength) + ": at " + frame.size() +
+         " and --radius " + std::to_string(settings.radius) + " at most " +
+         std::to_string(most_strength);
+}
+
 RadialResult reduce_radially(const Frame& frame, const RadialSettings& settings, int runs) {
-  check(frame, settings);
+  const std::string refused = refusal(frame, settings);
+  if (!refused.empty()) throw Error(refused);
   if (HALThreadPoolInit() != 0) throw Error("the library cannot start its threads", kRefused);
   RadialResult result{frame, 0, 0};
   result.tables_seconds = seconds_of([&] { build_tables(frame, settings); });

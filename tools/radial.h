@@ -1,5 +1,7 @@
 #pragma once
 
+#include <string>
+
 #include "tools/frame.h"
 
 namespace zavri::tools {
@@ -14,6 +16,9 @@ struct RadialResult {
   double seconds;         // of the twelve tiles, the median of all runs
   double tables_seconds;  // of the tables, once for a size
 };
+
+// Why the library cannot blur the frame so, in one line with what would be right; empty if it can.
+std::string refusal(const Frame& frame, const RadialSettings& settings);
 
 // Blurs the luma the more, the farther from the centre, with the tiles on the library's pool; each
 // run on a fresh copy.

@@ -63,7 +63,9 @@ class CommandLine {
     if (first[0] != '-') throw Error(first + ": no such command; there are " + names);
   }
 
-  CLI::App app_{"Camera post-processing on files: bursts, denoise, comparison.", "zavri"};
+  CLI::App app_{
+      "Camera post-processing on files: noisy bursts, the library's operations, comparison.",
+      "zavri"};
   Console console_;
   std::function<int()> run_;
 };
@@ -156,7 +158,7 @@ void add_compose_settings(CLI::App* command, ComposeSettings& settings) {
                    {"right", Pad::kRight},
                    {"center", Pad::kCenter},
                    {"both", Pad::kBoth}},
-                  settings.pad, "where the padding stands");
+                  settings.pad, "where the padding stands, center unless given");
   command->add_option("--padding", settings.padding, "columns of padding, both bands together")
       ->check(CLI::Range(0, 65535))
       ->capture_default_str();

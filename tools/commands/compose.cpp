@@ -12,9 +12,9 @@ int run_compose(const ComposeOptions& options, const Console& console) {
   const Frame a = load_frame(options.a, options.raw);
   const Frame b = load_frame(options.b, options.raw);
   const Composed composed = compose(a, b, options.settings);
+  write_file(options.output, encode(composed.frame, options.output));
   const std::string inexact = remark(a, options.settings);
   if (!inexact.empty()) console.say(inexact);
-  write_file(options.output, encode(composed.frame, options.output));
   // stdout may be the output itself.
   if (options.output != "-") {
     console.print({{"output", options.output},

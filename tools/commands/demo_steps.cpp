@@ -94,6 +94,8 @@ Report filter_chroma(const DemoFrames& demo) {
               "PSNR of U and V " + of_both(demo.noisy) + " to " + of_both(result.frame));
 }
 
+bool takes_rnr(const Frame& frame) { return refusal(frame, RadialSettings()).empty(); }
+
 // The blur that grows from the centre outwards, on the noisy frame.
 Report blur_radially(const DemoFrames& demo) {
   const RadialResult result = reduce_radially(demo.noisy, RadialSettings(), demo.runs);
@@ -102,21 +104,25 @@ Report blur_radially(const DemoFrames& demo) {
                   luma_psnr(demo.clean, result.frame));
 }
 
-// Before and after in one frame. It is exact for a height that is a multiple of 8, and when the
-// band leaves a multiple of 4 of the width.
+// Exact for a height that is a multiple of 8, and a band that leaves a multiple of 4 of the width.
+ComposeSettings band_of(const Frame& frame) { return {Pad::kCenter, kBand + frame.width % 4}; }
+
+Frame upper(const Frame& frame) { return frame.crop(0, 0, frame.width, frame.height / 8 * 8); }
+
+// The band is not to be the larger part.
+bool takes_compose(const Frame& frame) {
+  return frame.height >= 8 && frame.width >= 2 * kBand && refusal(frame, band_of(frame)).empty();
+}
+
+// Before and after in one frame.
 Report compose_both(const DemoFrames& demo) {
-  const auto upper = [](const Frame& frame) {
-    return frame.crop(0, 0, frame.width, frame.height / 8 * 8);
-  };
-  const ComposeSettings middle{Pad::kCenter, kBand + demo.noisy.width % 4};
-  const Composed result = compose(upper(demo.noisy), upper(demo.denoised), middle, demo.runs);
+  const Composed result =
+      compose(upper(demo.noisy), upper(demo.denoised), band_of(demo.noisy), demo.runs);
   return told(demo, "compose", result.seconds, result.frame, "before and after");
 }
 
 // One strip of the enlarged part has 2 rows at least.
 bool takes_resize(const Frame& frame) { return frame.width >= 4 && frame.height >= 16; }
-
-bool takes_any(const Frame&) { return true; }
 
 struct Step {
   const char* picture;
@@ -125,8 +131,8 @@ struct Step {
 };
 constexpr Step kSteps[] = {{"resize.png", takes_resize, enlarge},
                            {"chroma.png", takes_chroma, filter_chroma},
-                           {"rnr.png", takes_any, blur_radially},
-                           {"compose.png", takes_any, compose_both}};
+                           {"rnr.png", takes_rnr, blur_radially},
+                           {"compose.png", takes_compose, compose_both}};
 
 }  // namespace
 
