@@ -34,33 +34,31 @@ struct WindowSums {
   }
 };
 
-// 2^16 / w, rounded down, for every sum of weights that a window may have.
+// 2^15 / w to the nearest, for every sum of weights that a window may have.
 struct WeightReciprocals {
   static constexpr int kMost = kCentreWeight + kLongestWindow * INT8_MAX;
 
-  uint16_t of[kMost + 1];
+  int16_t of[kMost + 1];
 
   constexpr WeightReciprocals() : of{} {
-    for (int w = kCentreWeight; w <= kMost; ++w) of[w] = static_cast<uint16_t>((1 << 16) / w);
+    for (int w = kCentreWeight; w <= kMost; ++w)
+      of[w] = static_cast<int16_t>(((1 << 15) + w / 2) / w);
   }
 
-  ZAVRI_INLINE V16 lookup(V16 w) const {
-    V16 r;
+  ZAVRI_INLINE S16 lookup(V16 w) const {
+    S16 r;
     for (size_t i = 0; i < kVectorBytes / 2; ++i) r[i] = of[w[i]];
     return r;
   }
 };
 constexpr WeightReciprocals kWeightReciprocals;
 
-// floor(y / w) for signed y, with r = kWeightReciprocals.of[w]. A negative y is worked as z = ~y,
-// whose quotient is the complement of y's. As r > 2^16 / w - 1, z * r / 2^16 falls short of z / w
-// by less than z / 2^16 < 1: rounded down, it is the quotient or one less.
-ZAVRI_INLINE V16 floor_quotient(V16 y, V16 w, V16 r) {
-  const V16 sign = (V16)((S16)y >> 15);
-  const V16 z = y ^ sign;
-  const V16 q = high_product(z, r);
-  const V16 one_short = (V16)((S16)(z - q * w) >= (S16)w);  // -1 where it is
-  return (q - one_short) ^ sign;
+// floor(y / w) for signed y, with r = kWeightReciprocals.of[w]. As r is within 1/2 of 2^15 / w,
+// y * r / 2^15 is within 1/2 of y / w: rounded to the nearest, it is the quotient or one more.
+ZAVRI_INLINE V16 floor_quotient(V16 y, V16 w, S16 r) {
+  const V16 q = (V16)multiply_high((S16)y, r);
+  const V16 one_more = (V16)((S16)(y - q * w) >> 15);  // -1 where it is
+  return q + one_more;
 }
 
 // The weighted mean as the centre plus the mean of the differences from it: sums of weighted
@@ -86,10 +84,11 @@ class WeightedMean {
 
   ZAVRI_INLINE static Cell mean(const WindowSums& sums, Cell centre) {
     const Wide& w = sums.weight;
-    const Wide r = {kWeightReciprocals.lookup(w.lower), kWeightReciprocals.lookup(w.upper)};
+    const S16 lower = kWeightReciprocals.lookup(w.lower);
+    const S16 upper = kWeightReciprocals.lookup(w.upper);
     const auto moved = [&](S8 sample, const Wide& sum) {
-      const S8 by = narrow({floor_quotient(sum.lower + (w.lower >> 1), w.lower, r.lower),
-                            floor_quotient(sum.upper + (w.upper >> 1), w.upper, r.upper)});
+      const S8 by = narrow({floor_quotient(sum.lower + (w.lower >> 1), w.lower, lower),
+                            floor_quotient(sum.upper + (w.upper >> 1), w.upper, upper)});
       return (S8)((V8)sample + (V8)by);
     };
     return {moved(centre.u, sums.u), moved(centre.v, sums.v)};

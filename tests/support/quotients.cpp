@@ -20,7 +20,7 @@ constexpr int kLanes = kVectorBytes / 2;
 
 void check_quotients_by(int weight, QuotientCheck& check) {
   const V16 w = splat16(static_cast<unsigned>(weight));
-  const V16 r = kWeightReciprocals.lookup(w);
+  const S16 r = kWeightReciprocals.lookup(w);
   for (int first = INT16_MIN; first <= INT16_MAX; first += kLanes) {
     V16 y;
     for (int i = 0; i < kLanes; ++i) y[i] = static_cast<uint16_t>(first + i);
