@@ -45,6 +45,15 @@ ZAVRI_INLINE void store_quad(uint8_t* to, ptrdiff_t distance, V8 quad) {
   store_halves(to, distance, (V8)(between | (V32)quad));
 }
 
+// Writes the pairs of a quad and nothing else: for rows that another strip may be filling now.
+ZAVRI_INLINE void store_quad_pairs(uint8_t* to, ptrdiff_t distance, V8 quad) {
+  uint8_t bytes[kVectorBytes];
+  store(bytes, quad);
+  for (ptrdiff_t i = 0; i < kLines / kQuads; ++i) {
+    memcpy(to + i / kQuads * distance + i % kQuads * kColumnStep, bytes + i * kColumnStep, 2);
+  }
+}
+
 // Writes the pairs of lines [from, to), `step` bytes apart, and nothing else.
 ZAVRI_INLINE void store_pairs(Cell cell, uint8_t* first, ptrdiff_t step, ptrdiff_t from,
                               ptrdiff_t to) {
@@ -76,8 +85,8 @@ class ColumnBlock {
   ZAVRI_INLINE void store(const Cell* cells, ptrdiff_t first, ptrdiff_t count) const {
     uint8_t* row = start_ + first * row_step_;
     for (ptrdiff_t i = 0; i < count; ++i, row += row_step_) {
-      // Rows beyond the grid are another strip's, which may be filling them now.
-      const bool own_row = first + i < rows_;
+      // Row 0 and the rows beyond the grid belong to two strips.
+      const bool own_row = first + i > 0 && first + i < rows_;
       if (own_row && first_line_ == 0) {
         V8 quads[kQuads];
         quads_of(cells[i], quads);
@@ -101,7 +110,10 @@ class ColumnBlock {
 class RowBlock {
  public:
   RowBlock(const Grid& grid, ptrdiff_t row, ptrdiff_t lines)
-      : start_(grid.start + row * grid.row_step), row_step_(grid.row_step), lines_(lines) {}
+      : start_(grid.start + row * grid.row_step),
+        row_step_(grid.row_step),
+        lines_(lines),
+        has_row_0_(row == 0) {}
 
   // Four cells at a time; `count` is not below that.
   ZAVRI_INLINE void load(Cell* cells, ptrdiff_t first, ptrdiff_t count) const {
@@ -142,7 +154,13 @@ class RowBlock {
       for (ptrdiff_t c = 0; c < kQuads; ++c) rows[c] = quads[c][q];
       transpose_cells(rows);
       for (ptrdiff_t r = 0; r < kQuads; ++r) {
-        store_quad(to + (q * kQuads + r) * row_step_, kHalfLines * row_step_, rows[r]);
+        const ptrdiff_t line = q * kQuads + r;
+        uint8_t* const row = to + line * row_step_;
+        if (line == 0 && has_row_0_) {
+          store_quad_pairs(row, kHalfLines * row_step_, rows[r]);
+        } else {
+          store_quad(row, kHalfLines * row_step_, rows[r]);
+        }
       }
     }
   }
@@ -150,6 +168,7 @@ class RowBlock {
   uint8_t* const start_;
   const ptrdiff_t row_step_;
   const ptrdiff_t lines_;
+  const bool has_row_0_;
 };
 
 }  // namespace
