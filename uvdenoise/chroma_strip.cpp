@@ -2,13 +2,10 @@
 
 #include <algorithm>
 
-#include "uvdenoise/chroma_window.h"
 #include "uvdenoise/fill_grid.h"
 
 namespace zavri {
 namespace {
-
-constexpr uint32_t kLastStrip = 3;
 
 // Counts are 16 bits wide; planes that are too small for their window let them wrap.
 struct Strip {
@@ -44,26 +41,6 @@ uint16_t middle_rows(const Strip& strip, int reach) {
   return static_cast<uint16_t>(strip.grid_rows - (strip.last ? 2 * reach : 0));
 }
 
-Span middle(int reach, uint16_t count) { return {reach, count, {reach, reach}}; }
-
-Span border(ptrdiff_t from, int reach, Window window) {
-  return {from, static_cast<uint32_t>(reach), window};
-}
-
-// The right border is filtered a second time, and the last `reach` columns never are.
-Pass along_rows(const Strip& strip, const Taps& taps) {
-  const uint16_t count = middle_columns(strip, taps.reach);
-  return {{border(0, taps.reach, {0, taps.left_border}), middle(taps.reach, count),
-           border(count, taps.reach, {taps.left_border - 1, 0})}};
-}
-
-// The same holds for the lower border of the last strip; elsewhere it lies in the next strip.
-Pass down_columns(const Strip& strip, const Taps& taps) {
-  const uint16_t count = middle_rows(strip, taps.reach);
-  return {{border(0, taps.reach, {0, 2 * taps.reach}), middle(taps.reach, count),
-           border(count, taps.reach, {2 * taps.reach, 0})}};
-}
-
 void fill(const Strip& strip, uint32_t number, const T_UVDenoiseParam& param) {
   UV_denoise_fill_grid(strip.start, static_cast<uint16_t>(param.width), strip.rows,
                        static_cast<uint16_t>(param.stride), number);
@@ -83,8 +60,8 @@ void weighted_denoise(const Taps& taps, uint32_t number, const T_UVDenoiseParam&
   const Grid grid = grid_of(strip, param);
   const Weights weights = weights_of(param);
   const ChromaWindowKernels& kernels = chroma_window_kernels();
-  kernels.weighted_rows(grid, along_rows(strip, taps), weights);
-  kernels.weighted_columns(grid, down_columns(strip, taps), weights);
+  kernels.weighted_rows(grid, row_pass(taps, middle_columns(strip, taps.reach)), weights);
+  kernels.weighted_columns(grid, column_pass(taps, middle_rows(strip, taps.reach)), weights);
   fill(strip, number, param);
 }
 
@@ -93,8 +70,8 @@ void tolerant_denoise(uint32_t number, const T_UVDenoiseParam& param) {
   const Strip strip(number, param);
   const Grid grid = grid_of(strip, param);
   const ChromaWindowKernels& kernels = chroma_window_kernels();
-  kernels.tolerant_rows(grid, {{middle(kReach, middle_columns(strip, kReach))}});
-  kernels.tolerant_columns(grid, {{middle(kReach, middle_rows(strip, kReach))}});
+  kernels.tolerant_rows(grid, middle_pass(kReach, middle_columns(strip, kReach)));
+  kernels.tolerant_columns(grid, middle_pass(kReach, middle_rows(strip, kReach)));
   fill(strip, number, param);
 }
 

@@ -131,6 +131,8 @@ void filter_row_blocks(const Grid& grid, const Pass& pass, const Mean& mean) {
   }
 }
 
+bool fills_a_block(const Grid& grid) { return static_cast<ptrdiff_t>(grid.columns) >= kLines; }
+
 template <class Mean>
 void filter_column_blocks(const Grid& grid, const Pass& pass, const Mean& mean) {
   const auto columns = static_cast<ptrdiff_t>(grid.columns);
@@ -143,23 +145,9 @@ void filter_column_blocks(const Grid& grid, const Pass& pass, const Mean& mean) 
 
 // Lanes are filtered at once, the rule goes from line to line: the same bytes only if no line
 // touches another one.
-bool lines_are_apart(const Grid& grid, ptrdiff_t first, ptrdiff_t end) {
-  return grid.columns >= static_cast<size_t>(kLines) &&
-         grid.row_step >= (end - first) * kColumnStep;
+bool lines_are_apart(const Grid& grid) {
+  return grid.row_step >= static_cast<ptrdiff_t>(grid.columns) * kColumnStep;
 }
-
-bool rows_are_apart(const Grid& grid, const Pass& pass) {
-  ptrdiff_t first = 0;
-  ptrdiff_t end = grid.columns;
-  for (const Span& span : pass.spans) {
-    if (span.count == 0) continue;
-    first = std::min(first, span.from - span.window.before);
-    end = std::max(end, span.from + static_cast<ptrdiff_t>(span.count) + span.window.after);
-  }
-  return lines_are_apart(grid, first, end);
-}
-
-bool columns_are_apart(const Grid& grid) { return lines_are_apart(grid, 0, grid.columns); }
 
 // Calls `filter` with the rule's vector form, which has the smallest table that holds the weights.
 template <class Filter>
@@ -179,7 +167,7 @@ bool fits_16_bits(const Pass&, FixedTolerance) { return true; }
 
 template <class Rule>
 void filter_rows(const Grid& grid, const Pass& pass, const Rule& rule) {
-  if (!rows_are_apart(grid, pass) || !fits_16_bits(pass, rule)) {
+  if (!lines_are_apart(grid) || !fits_16_bits(pass, rule)) {
     return filter_rows_plain(grid, pass, rule);
   }
   with_mean(rule, [&](const auto& mean) { filter_row_blocks(grid, pass, mean); });
@@ -187,7 +175,7 @@ void filter_rows(const Grid& grid, const Pass& pass, const Rule& rule) {
 
 template <class Rule>
 void filter_columns(const Grid& grid, const Pass& pass, const Rule& rule) {
-  if (!columns_are_apart(grid) || !fits_16_bits(pass, rule)) {
+  if (!fills_a_block(grid) || !lines_are_apart(grid) || !fits_16_bits(pass, rule)) {
     return filter_columns_plain(grid, pass, rule);
   }
   with_mean(rule, [&](const auto& mean) { filter_column_blocks(grid, pass, mean); });

@@ -44,6 +44,38 @@ struct Pass {
   Span spans[3];
 };
 
+// What the windows of the weighted mean differ in. The one of the left border leads to the right,
+// that of the right border, one sample shorter, to the left; those of the upper and lower borders
+// are 2 * reach long.
+struct Taps {
+  int reach;        // on either side of the centre
+  int left_border;  // samples
+};
+inline constexpr Taps kTaps7 = {3, 10};
+inline constexpr Taps kTaps11 = {5, 15};
+inline constexpr Taps kTaps15 = {7, 15};
+inline constexpr Taps kTaps19 = {9, 15};
+
+// Filters `middle` samples, all but the first and the last `reach` of a line.
+constexpr Pass middle_pass(int reach, uint32_t middle) {
+  return {{{reach, middle, {reach, reach}}}};
+}
+
+// The same between two borders, of which the latter is filtered a second time. The line's last
+// `reach` samples never are.
+constexpr Pass bordered_pass(int reach, uint32_t middle, int after_first, int before_last) {
+  const auto border = static_cast<uint32_t>(reach);
+  return {{{0, border, {0, after_first}},
+           {reach, middle, {reach, reach}},
+           {static_cast<ptrdiff_t>(middle), border, {before_last, 0}}}};
+}
+constexpr Pass row_pass(const Taps& taps, uint32_t middle) {
+  return bordered_pass(taps.reach, middle, taps.left_border, taps.left_border - 1);
+}
+constexpr Pass column_pass(const Taps& taps, uint32_t middle) {
+  return bordered_pass(taps.reach, middle, 2 * taps.reach, 2 * taps.reach);
+}
+
 // The weighted mean gives the centre this weight, and a neighbour whose U or V, whichever is
 // farther, differs by d from the centre's the weight of[d] where d < threshold; others do not
 // count.

@@ -8,7 +8,6 @@
 namespace zavri {
 namespace {
 
-constexpr uint32_t kLastStrip = 3;
 constexpr size_t kGroup = 4;  // rows
 
 class Filler {
@@ -24,8 +23,10 @@ class Filler {
 
   void fill_first_row(uint8_t* row) const { kernels_.fill_row(row, blocks_); }
 
-  // `last_row`: the kernels for the group's last row.
-  void fill_group(uint8_t* top, const FillRowKernels& last_row) const {
+  // The next strip may be filtering its row 0 at this time: there, only the filled pairs are
+  // written.
+  void fill_group(uint8_t* top, bool leaves_strip) const {
+    const FillRowKernels& last_row = leaves_strip ? fill_row_kernels(PlainBuild{}) : kernels_;
     uint8_t* const rows[] = {top, top + stride_, top + 2 * stride_, top + 3 * stride_,
                              top + 4 * stride_};
     for (size_t b = 0; b < blocks_; b += blocks_at_once_) {
@@ -73,9 +74,7 @@ void UV_denoise_fill_grid(uint8_t* start, uint16_t row_bytes, uint16_t rows, uin
   const size_t groups = rows / kGroup - (repeats_last ? 1 : 0);
   uint8_t* row = start;
   for (size_t g = 0; g < groups; ++g, row += kGroup * stride) {
-    // The next strip may be filtering its row 0 at this time: only the filled pairs are written.
-    const bool leaves_strip = (g + 1) * kGroup >= rows;
-    filler.fill_group(row, fill_row_kernels(leaves_strip ? Build::kPlain : best_build()));
+    filler.fill_group(row, (g + 1) * kGroup >= rows);
   }
   if (!repeats_last) return;
   const size_t bytes = row_bytes / kFillBlock * kFillBlock;
