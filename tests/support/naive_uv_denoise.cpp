@@ -22,7 +22,7 @@ struct Strip {
   uint8_t* start = p.uv_plane + size_t{p.stride} * number * static_cast<uint32_t>(q);
 
   uint8_t* sample(int i, int j) const {
-    return start + ptrdiff_t{2} * i * static_cast<ptrdiff_t>(p.stride) + ptrdiff_t{4} * j;
+    return start + ptrdiff_t{2} * i * static_cast<ptrdiff_t>(p.stride & 0x7fff) + ptrdiff_t{4} * j;
   }
 
   void filter(uint8_t* centre, const Samples& neighbours) const {
