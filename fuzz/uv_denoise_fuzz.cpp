@@ -29,6 +29,11 @@ constexpr Filter kFilters[] = {{zavri_mp_single_UV_denoise_new_inner_7, 3, 15, t
                                {zavri_mp_single_UV_denoise_new_inner_19, 9, 32, true},
                                {zavri_mp_single_UV_denoise_inner_11, 5, 10, false}};
 
+// Whether the last strip has as many grid rows as its borders take.
+bool admits(uint32_t height, const Filter& filter) {
+  return (height - 3 * (height / 4)) / 2 >= 2 * filter.reach;
+}
+
 // Reads the input; zeros follow its end.
 class Input {
  public:
@@ -82,7 +87,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   const Filter& filter = kFilters[input.below(std::size(kFilters))];
   T_UVDenoiseParam param{};
   param.width = 4 * filter.columns + 2 * input.below(70);
-  param.height = 16 * filter.reach - 3 + input.below(40);
+  param.height = 16 * filter.reach - 9 + input.below(46);
+  if (!admits(param.height, filter)) return 0;
   param.stride = param.width + input.below(9);
   const Room room = room_for(param, filter);
   const uint32_t spread = 1 + input.byte();
