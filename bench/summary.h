@@ -15,6 +15,7 @@ struct Expectation {
   double most_of_touch = 0;  // longest time over a loop that only touches the same bytes
   double most_seconds = 0;   // longest time as such
   double most_of_peer = 0;   // longest time over another library that does the same
+  bool strict = false;       // floors are met without allowance
 };
 
 // The console's lines, and at the end a table of ratios. Benchmarks are named group/variant; the
