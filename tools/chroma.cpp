@@ -3,6 +3,7 @@
 #include <zavricustpro.h>
 
 #include <algorithm>
+#include <charconv>
 #include <cmath>
 #include <sstream>
 
@@ -39,16 +40,22 @@ const Window& window_of(const ChromaSettings& settings) {
 
 int reach_of(const Window& window) { return (window.taps - 1) / 2; }
 
-// The last strip's borders need 2 * reach filtered rows, of 4 pixels each.
 int least_width(const Window& window) { return 4 * window.columns; }
-int least_height(const Window& window) { return 32 * reach_of(window); }
+
+// The last strip's borders need 2 * reach filtered rows, every second one. Some heights below
+// safe_height() leave it as many, from there on all do.
+bool is_high_enough(int height, const Window& window) {
+  const int rows = height / 2;
+  return (rows - 3 * (rows / 4)) / 2 >= 2 * reach_of(window);
+}
+int safe_height(const Window& window) { return 2 * (16 * reach_of(window) - 3); }
 
 void check_size(const Frame& frame, const ChromaSettings& settings) {
   if (is_large_enough(frame, settings)) return;
   const Window& window = window_of(settings);
-  throw Error(frame.size() + " is too small for " + std::to_string(window.taps) +
+  throw Error("IN: " + frame.size() + " is too small for " + std::to_string(window.taps) +
               " taps: it takes " + std::to_string(least_width(window)) + 'x' +
-              std::to_string(least_height(window)));
+              std::to_string(safe_height(window)));
 }
 
 std::vector<int> weights_of(const ChromaSettings& settings, const Window& window) {
@@ -122,7 +129,7 @@ void run_in_parallel(ThreadPoolTaskFunc strip, const T_UVDenoiseParam& param) {
 
 bool is_large_enough(const Frame& frame, const ChromaSettings& settings) {
   const Window& window = window_of(settings);
-  return frame.width >= least_width(window) && frame.height >= least_height(window);
+  return frame.width >= least_width(window) && is_high_enough(frame.height, window);
 }
 
 ChromaResult denoise_chroma(const Frame& frame, const ChromaSettings& settings, int runs) {
@@ -159,15 +166,16 @@ std::vector<int> read_weights(const std::string& path) {
   const Bytes bytes = read_file(path);
   std::istringstream text(std::string(bytes.begin(), bytes.end()));
   std::vector<int> weights;
-  for (int weight = 0; text >> weight;) {
-    if (weight < -128 || weight > 127) {
-      throw Error(path + ": " + std::to_string(weight) + ": weights are -128..127");
+  for (std::string word; text >> word;) {
+    int8_t weight = 0;
+    const char* const end = word.data() + word.size();
+    const auto [rest, error] = std::from_chars(word.data(), end, weight);
+    if (error != std::errc() || rest != end) {
+      throw Error(path + ": " + word + ": weights are whole numbers, -128..127");
     }
     weights.push_back(weight);
   }
-  if (!text.eof() || weights.empty()) {
-    throw Error(path + ": not a list of numbers, the weights of the differences 0, 1, 2 ..");
-  }
+  if (weights.empty()) throw Error(path + ": there are no weights in it");
   return weights;
 }
 

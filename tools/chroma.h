@@ -8,8 +8,8 @@
 namespace zavri::tools {
 
 struct ChromaSettings {
-  int taps = 11;  // 7, 11, 15 or 19
-  int threshold = 16;
+  int taps = 11;             // 7, 11, 15 or 19
+  int threshold = 16;        // 1..127
   std::vector<int> weights;  // by difference; when empty, they fall as a Gaussian
   double falloff = 0;        // its sigma; 0: half the threshold
   bool legacy = false;       // eleven taps with the fixed tolerance instead

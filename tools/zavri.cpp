@@ -1,6 +1,8 @@
 // The program `zavri`: the library's operations on files, for people who tune and check them.
 #include <CLI/CLI.hpp>
+#include <cmath>
 #include <cstdio>
+#include <cstdlib>
 #include <functional>
 #include <map>
 
@@ -79,9 +81,15 @@ void add_raw_options(CLI::App* command, RawOptions& raw) {
       ->check(CLI::Range(2, 1 << 20));
 }
 
+// After CLI::Range, which lets NaN pass: no comparison holds for it.
+std::string refuse_nan(const std::string& text) {
+  return std::isnan(std::strtod(text.c_str(), nullptr)) ? "Value " + text + " is not a number" : "";
+}
+
 void add_sensor_options(CLI::App* command, Sensor& sensor, uint64_t& seed) {
   command->add_option("--sensor-gain", sensor.gain, "of the simulated sensor, ISO over 100")
       ->check(CLI::Range(0.1, 1000.0))
+      ->check(refuse_nan)
       ->capture_default_str();
   command->add_option("--seed", seed, "of the noise")->capture_default_str();
 }
@@ -179,6 +187,7 @@ void add_chroma_settings(CLI::App* command, ChromaOptions& options) {
           ->add_option("--falloff", settings.falloff,
                        "sigma of weights that fall as a Gaussian; half the threshold unless given")
           ->check(CLI::Range(0.1, 1000.0))
+          ->check(refuse_nan)
           ->excludes(weights);
   command->add_flag("--legacy", settings.legacy, "the older filter with its fixed tolerance")
       ->excludes(threshold)
