@@ -163,7 +163,10 @@ typedef struct tagT_UVDenoiseParam {
                          by less than this counts; below 0 none does */
   int8_t weight_table[127]; /* by the larger of the two differences: what a neighbour counts, the
                                centre counting 64. Only [0, threshold) is read and need exist.
-                               Weights below 0 must not let a sum of weights become 0 */
+                               Weights below 0 must not let a sum of weights become 0. Fast are
+                               only tables without such weights and with n * max(d * w[d]) +
+                               (64 + n * max(w)) / 2 <= 32767, where n is 10, 15, 15 or 18 for
+                               K = 7, 11, 15 or 19; others take up to ten times as long */
 } T_UVDenoiseParam;
 
 /* One strip, shaped as a pool task: `strip` points to the uint32_t strip number 0..3, `param` to a
