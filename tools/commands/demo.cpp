@@ -74,6 +74,7 @@ Picture side_by_side(const std::vector<const Frame*>& frames, const std::vector<
   uint8_t* to = all.rgb.data();
   for (const Part& part : parts) {
     std::vector<Picture> pictures;
+    pictures.reserve(frames.size());
     for (const Frame* frame : frames) {
       pictures.push_back(to_picture(frame->crop(part.x, part.y, width, height)));
     }
