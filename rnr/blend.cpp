@@ -3,7 +3,7 @@
 #include "rnr/weights.h"
 
 #ifndef ZAVRI_BUILD_PLAIN
-#include "simd/wide.h"
+#include "simd/vec.h"
 #endif
 
 namespace zavri {
@@ -26,13 +26,19 @@ void blend(uint8_t* to, const uint8_t* sharp, const uint8_t* blurred, const uint
 
 #else
 
+// What the blur adds to `sharp`: weight * (blurred - sharp) >> 7. With a weight below kBlurAlone
+// the product is within +-120 * 255, and so in 16 bits.
+ZAVRI_INLINE V16 difference(V16 sharp, V16 blurred, V16 weight) {
+  return (V16)((S16)(weight * (blurred - sharp)) >> 7);
+}
+
 ZAVRI_INLINE V8 mix(V8 sharp, V8 blurred, V8 weight) {
-  // What the blur adds. With a weight below kBlurAlone the product is within +-120 * 255, and so in
-  // 16 bits.
-  Wide added = weighted_difference(sharp, blurred, weight);
-  for (V16& part : added.part) part = (V16)((S16)part >> 7) & 0xff;
+  const V16 low = splat16(0xff);
+  const V16 even = difference((V16)sharp & low, (V16)blurred & low, (V16)weight & low);
+  const V16 odd = difference((V16)sharp >> 8, (V16)blurred >> 8, (V16)weight >> 8);
+  const V8 mixed = sharp + (V8)((even & low) | odd << 8);
   const V8 partly = (V8)(above(weight, splat8(kBlurAlone - 1)) == 0);
-  return select(partly, sharp + narrow(added), blurred);
+  return select(partly, mixed, blurred);
 }
 
 void blend(uint8_t* to, const uint8_t* sharp, const uint8_t* blurred, const uint8_t* weight,

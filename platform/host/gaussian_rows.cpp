@@ -13,27 +13,30 @@ constexpr size_t kTaps = 2 * kGaussianReach + 1;
 constexpr int kShift = 8;  // both weight sets sum to 16
 constexpr int kHalf = 1 << (kShift - 1);
 
-// Fed with x[0], x[1] .., returns x[n - 4] + 4 * x[n - 3] + 6 * x[n - 2] + 4 * x[n - 1] + x[n]:
-// four times in a row the sum of two neighbours. For the blur 16 bits hold it, also with kHalf:
-// 65408.
+// Fed with x[0], x[1] .., returns x[n - 4] + 4 * x[n - 3] + 6 * x[n - 2] + 4 * x[n - 1] + x[n]: the
+// sum of two neighbours, four times over. For the blur 16 bits hold it, also with kHalf: 65408.
 template <class T>
 struct Binomial {
 #ifndef ZAVRI_BUILD_PLAIN
   ZAVRI_INLINE
 #endif
   T feed(T x) {
-    for (T& before : last) {
-      const T sum = static_cast<T>(before + x);
-      before = x;
-      x = sum;
-    }
-    return x;
+    const T once = static_cast<T>(last[0] + x);
+    const T twice = static_cast<T>(last[1] + once);
+    const T thrice = static_cast<T>(last[2] + twice);
+    const T sum = static_cast<T>(last[3] + thrice);
+    last[0] = x;
+    last[1] = once;
+    last[2] = twice;
+    last[3] = thrice;
+    return sum;
   }
 
   T last[kTaps - 1]{};
 };
 
-void blur_plain(const GaussianBand& band, size_t first, size_t last) {
+// The band is a copy, which the stores of bytes cannot change.
+void blur_plain(GaussianBand band, size_t first, size_t last) {
   for (size_t x = first; x < last; ++x) {
     size_t columns[kTaps];
     for (size_t i = 0; i < kTaps; ++i) {
@@ -58,9 +61,9 @@ void blur(const GaussianBand& band, size_t first, size_t last) { blur_plain(band
 #else
 
 // The sums along a row, centred on row[0] and the bytes after it.
-ZAVRI_INLINE Wide sums_along(const uint8_t* row) {
+ZAVRI_INLINE Widened sums_along(const uint8_t* row) {
   static_assert(kGaussianReach == 2);
-  const Wide sums = add_products(widen(load(row + 2)), load(row - 2), 1, load(row - 1), 4);
+  const Widened sums = add_products(widen(load(row + 2)), load(row - 2), 1, load(row - 1), 4);
   return add_products(sums, load(row), 6, load(row + 1), 4);
 }
 
@@ -73,13 +76,13 @@ ZAVRI_INLINE void blur_columns(const GaussianBand& band, size_t x) {
   Binomial<V16> down[2];
   const auto feed = [&](size_t j) {
     __builtin_prefetch(band.rows[j] + x + kAhead);
-    const Wide sums = sums_along(band.rows[j] + x);
-    return Wide{{down[0].feed(sums.part[0]), down[1].feed(sums.part[1])}};
+    const Widened sums = sums_along(band.rows[j] + x);
+    return Widened{{down[0].feed(sums.part[0]), down[1].feed(sums.part[1])}};
   };
   for (size_t j = 0; j < kTaps - 1; ++j) feed(j);
   uint8_t* to = band.to + x;
   for (size_t row = 0; row < band.count; ++row, to += band.width) {
-    const Wide sums = feed(row + kTaps - 1);
+    const Widened sums = feed(row + kTaps - 1);
     __builtin_prefetch(to + kAhead, 1);
     store(to, narrow({{(sums.part[0] + kHalf) >> kShift, (sums.part[1] + kHalf) >> kShift}}));
   }
