@@ -4,6 +4,7 @@
 
 #include <memory>
 #include <string>
+#include <utility>
 
 #include "bench/summary.h"
 #include "bench/timing.h"
@@ -69,8 +70,14 @@ void add_measure(const Measure& measure, const std::shared_ptr<const Plane>& pla
 }
 
 const bool kRegistered = [] {
-  const auto plane = std::make_shared<const Plane>(Plane{1920, 1080});
-  for (const Measure& measure : kMeasures) add_measure(measure, plane);
+  // The smaller plane stays in the cache: there the kernels show, not the memory.
+  for (const auto& [width, height] : {std::pair(1920, 1080), std::pair(640, 480)}) {
+    const auto plane = std::make_shared<const Plane>(Plane{width, height});
+    for (Measure measure : kMeasures) {
+      if (height < 1080) measure.expectation.most_of_touch = 0;
+      add_measure(measure, plane);
+    }
+  }
   return true;
 }();
 

@@ -84,6 +84,7 @@ TEST(AutoShoot, GroupsOfTheFocusValueDrift) {
       {20, 12, 8 * 20 - 2, 200},                   // two columns further left
       {16400, 8, 1 + 4 * 16400 - 2 - 65536, 200},  // jumps are cut to 16 bits
       {3, 4 * 65537, 3 * 4 - 1, 0},                // and so is the count of groups, here to one
+      {3, 4 * 65537, 3 * (4 * 65537 - 1), 200},    // the last row of a tall rectangle counts, too
   };
   for (const auto& c : kCases) {
     const auto image_height = static_cast<uint32_t>(c.height) + 1;

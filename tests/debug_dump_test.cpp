@@ -1,3 +1,4 @@
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -28,7 +29,10 @@ struct Phone {
   std::optional<int> open_result;  // of every open, which then opens nothing
   size_t most_bytes = SIZE_MAX;    // of one write
   int opens = 0;
+  std::vector<int> flags;  // of every open
+  int reads = 0;
   int writes = 0;
+  int closes = 0;
 };
 Phone* g_phone = nullptr;
 
@@ -48,7 +52,9 @@ using zavri::testing::redirected;
 extern "C" {
 int __real_open(const char*, int, ...);
 int __real_stat(const char*, struct stat*);
+ssize_t __real_read(int, void*, size_t);
 ssize_t __real_write(int, const void*, size_t);
+int __real_close(int);
 time_t __real_time(time_t*);
 
 int __wrap_open(const char* path, int flags, ...) {
@@ -58,12 +64,21 @@ int __wrap_open(const char* path, int flags, ...) {
   va_end(arguments);
   if (g_phone == nullptr) return __real_open(path, flags, mode);
   ++g_phone->opens;
+  g_phone->flags.push_back(flags & ~O_LARGEFILE);
   EXPECT_EQ(mode, 0777u);
   return g_phone->open_result ? *g_phone->open_result
                               : __real_open(redirected(path).c_str(), flags, mode);
 }
 int __wrap_stat(const char* path, struct stat* status) {
   return __real_stat(redirected(path).c_str(), status);
+}
+ssize_t __wrap_read(int file, void* bytes, size_t size) {
+  if (g_phone != nullptr) ++g_phone->reads;
+  return __real_read(file, bytes, size);
+}
+int __wrap_close(int file) {
+  if (g_phone != nullptr) ++g_phone->closes;
+  return __real_close(file);
 }
 ssize_t __wrap_write(int file, const void* bytes, size_t size) {
   if (g_phone == nullptr) return __real_write(file, bytes, size);
@@ -176,6 +191,8 @@ TEST_F(DebugDump, FixedDumpIsWrittenOnceAndLoadedAsOftenAsWanted) {
   EXPECT_EQ(zavri_debug_load_fixed_yuv(first.data(), 4, second.data(), 3), 0);
   EXPECT_EQ(first, (Bytes{1, 2, 3, 4}));
   EXPECT_EQ(second, (Bytes{5, 77, 77}));
+  EXPECT_EQ(phone_.flags, (std::vector<int>{O_RDWR | O_CREAT, O_RDWR}));
+  EXPECT_EQ(phone_.closes, 2);
   EXPECT_EQ(take_log(), std::vector<LogLine>());
 }
 
@@ -236,6 +253,8 @@ TEST_F(DebugDump, FramesComeBackWhereTheyWere) {
   EXPECT_EQ(content("zvcfixedyuvprefix_4x2_0_suffix.yuv"), file);
   EXPECT_EQ(loadYuv(loaded.data(), info), 0);
   EXPECT_EQ(loaded, expected);
+  EXPECT_EQ(phone_.flags, (std::vector<int>{O_RDWR | O_CREAT, O_RDWR | O_CREAT}));
+  EXPECT_EQ(phone_.closes, 2);
 
   // Eight planes of one byte, and never a ninth; negative heights have no rows.
   info.num_planes = UINT32_MAX;
@@ -244,6 +263,14 @@ TEST_F(DebugDump, FramesComeBackWhereTheyWere) {
   info.frame_idx = 1;
   dumpYuv(frame.data(), info);
   EXPECT_EQ(content("zvcfixedyuvprefix_1x1_1_suffix.yuv"), (Bytes{0, 1, 1, 1, 1, 1, 1}));
+
+  // Positions count modulo 2^32.
+  info = small_frame(2, 9, true);
+  info.num_planes = 2;
+  info.planes[0].len = 16;
+  info.planes[1] = {0, 0xfffffff8, 1, 1, 1, 0};
+  dumpYuv(frame.data(), info);
+  EXPECT_EQ(content("zvcfixedyuvprefix_4x1_2_suffix.yuv"), (Bytes{0, 1, 2, 3, 8}));
 }
 
 TEST_F(DebugDump, NothingIsOverwrittenAndNothingMissingIsRead) {
@@ -277,10 +304,21 @@ TEST_F(DebugDump, FailuresAndShortWritesAreIgnored) {
     EXPECT_EQ(zavri_debug_dump_yuv_simple2(kA.data(), 3, kB.data(), 2, kB.data(), 2, "x"), 0);
     EXPECT_EQ(phone_.writes, 0);
   }
-  // The frame dump does not look at what it opened.
+  EXPECT_EQ(phone_.closes, 1);  // of what was opened
+  take_log();
+  // Frames are written, read and closed whatever was opened.
+  phone_.open_result.reset();
+  const T_DumpFrameInfo info = small_frame(1, 9, true);
+  Bytes frame = counting(4);
+  dumpYuv(frame.data(), info);
   phone_.open_result = -1;
-  dumpYuv(kA.data(), small_frame(1, 9, true));
-  EXPECT_EQ(phone_.writes, 1);
+  loadYuv(frame.data(), info);
+  EXPECT_EQ(frame, counting(4));
+  EXPECT_EQ(phone_.reads, 1);
+  dumpYuv(frame.data(), small_frame(2, 9, true));
+  EXPECT_EQ(phone_.writes, 2);
+  EXPECT_EQ(phone_.closes, 4);
+  EXPECT_EQ(take_log(), std::vector<LogLine>());
 }
 
 }  // namespace

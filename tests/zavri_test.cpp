@@ -326,15 +326,16 @@ TEST_F(Zavri, BadInputIsOneLineStatusTwoAndNoFile) {
       {"compose photo.png frame0_64x48.nv12 --padding 65 -o out.png", "--padding 65"},
       {"compose photo.png frame0_64x48.nv12 --pad 1 -o out.png", "--pad 1: there are left, right"},
       {"compose photo.png frame0_64x48.nv12 --size 32x96 -o out.png", "one size"},
-      {"measure photo.png --rect 1,2,63,45", "62x45 of 64x48 would fit"},
+      {"measure photo.png --rect 1,2,63,45", "photo.png: --rect 1,2,63,45: a column"},
       {"measure photo.png --rect 1,2,62,46", "62x45 of 64x48 would fit"},
       {"measure photo.png --rect 63,0,1,2", "within 0,0 and 62,45"},
       {"measure photo.png --rect 0,0,9", "x,y,width,height"},
       {"replay frame0_64x48.nv12 --then rotate -o out.png", "the steps are denoise"},
-      {"replay frame0_64x48.nv12 --then chroma:7,0 -o out.png", "a number from 1 to 127"},
+      {"replay frame0_64x48.nv12 --then chroma:7,0 -o out.png",
+       "--then chroma:7,0: '0' is no number from 1 to 127"},
       {"replay frame0_64x48.nv12 --then rnr:1,2,3 -o out.png", "too much for rnr"},
-      {"replay frame0_64x48.nv12 frame1_64x48.nv12 -o out.png", "2 frames are left"},
-      {"replay frame0_64x48.nv12 --meta 8 -o out.png", "64x48 nv12 is 4608 bytes"},
+      {"replay frame0_64x48.nv12 frame1_64x48.nv12 -o out.png", "IN: 2 dumps"},
+      {"replay --meta 8 frame0_64x48.nv12 -o out.png", "64x48 nv12 is 4608 bytes"},
       {"burst photo.png -o .", "--force"},
   };
   for (const auto& c : kCases) {
@@ -529,6 +530,9 @@ TEST_F(Zavri, MeasuresAreTheLibrarysAndTheSharpestIsMarked) {
   EXPECT_EQ(run("measure flat_64x48.nv12 --csv").out,
             "file,rect,focus,derivation,average,brightness,mean\n"
             "flat_64x48.nv12,\"0,0,63,47\",0,0,0,0,0.0\n");
+  const std::string table = run("measure flat_64x48.nv12 sharp_64x48.nv12 --csv").out;
+  EXPECT_NE(table.find(",mean,sharpest\n"), std::string::npos) << table;
+  EXPECT_EQ(table.substr(table.size() - 3), ",*\n");
 }
 
 TEST_F(Zavri, ReplayIsTheLibrarysLoadAndTheCommandsInTurn) {

@@ -16,14 +16,16 @@ namespace {
 
 using Arguments = std::vector<std::string>;
 
-// Argument `index`, or `value` where it is not given.
+// Argument `index`, or `value` where it is not given or `auto`.
 int number(const Arguments& arguments, size_t index, int low, int high, int value) {
-  if (index >= arguments.size()) return value;
+  if (index >= arguments.size() || arguments[index].empty() || arguments[index] == "auto") {
+    return value;
+  }
   const std::string& text = arguments[index];
   int used = 0;
   if (sscanf(text.c_str(), "%6d%n", &value, &used) != 1 ||
       static_cast<size_t>(used) != text.size() || value < low || value > high) {
-    throw Error("--then: " + text + ": a number from " + std::to_string(low) + " to " +
+    throw Error("'" + text + "' is no number from " + std::to_string(low) + " to " +
                 std::to_string(high));
   }
   return value;
@@ -32,7 +34,7 @@ int number(const Arguments& arguments, size_t index, int low, int high, int valu
 StepResult merge(const Frames& frames, const Arguments& arguments) {
   const auto count = static_cast<int>(frames.size());
   if (count < 2 || count > 4) {
-    throw Error("--then denoise: two to four frames are merged, here are " + std::to_string(count));
+    throw Error("two to four frames are merged, here are " + std::to_string(count));
   }
   DenoiseSettings settings;
   settings.thresh = number(arguments, 0, 1, 100, 0);
@@ -88,8 +90,8 @@ StepResult blur_radially(const Frames& frames, const Arguments& arguments) {
 }
 
 StepResult enlarge(const Frames& frames, const Arguments& arguments) {
-  if (arguments.empty()) throw Error("--then resize: needs a size, such as resize:3840x2160");
-  const auto [width, height] = parse_size(arguments[0], "--then resize:");
+  if (arguments.empty()) throw Error("a size is needed, such as resize:3840x2160");
+  const auto [width, height] = parse_size(arguments[0], "size");
   const ResizeSettings settings{width, height};
   StepResult step = each(frames, [&](const Frame& frame) { return resize(frame, settings); });
   step.remarks = told_of(remark(frames.front(), settings));
@@ -98,7 +100,7 @@ StepResult enlarge(const Frames& frames, const Arguments& arguments) {
 
 StepResult put_side_by_side(const Frames& frames, const Arguments& arguments) {
   if (frames.size() != 2) {
-    throw Error("--then compose: takes two frames, here are " + std::to_string(frames.size()));
+    throw Error("two frames are composed, here are " + std::to_string(frames.size()));
   }
   ComposeSettings settings;
   settings.padding = number(arguments, 0, 0, 65535, settings.padding);
@@ -111,15 +113,16 @@ struct Operation {
   const char* usage;
   size_t most_arguments;
   RunStep run;
+  bool joins;  // all frames into one
 };
 
 constexpr Operation kOperations[] = {
-    {"denoise", "denoise[:THRESH[,THRESH_LUMA]]", 2, merge},
-    {"smooth", "smooth[:THRESH]", 1, smooth},
-    {"chroma", "chroma[:TAPS[,THRESHOLD]]", 2, filter_chroma},
-    {"rnr", "rnr[:RADIUS[,STRENGTH]]", 2, blur_radially},
-    {"resize", "resize:WxH", 1, enlarge},
-    {"compose", "compose[:PADDING]", 1, put_side_by_side},
+    {"denoise", "denoise[:THRESH[,THRESH_LUMA]]", 2, merge, true},
+    {"smooth", "smooth[:THRESH]", 1, smooth, false},
+    {"chroma", "chroma[:TAPS[,THRESHOLD]]", 2, filter_chroma, false},
+    {"rnr", "rnr[:RADIUS[,STRENGTH]]", 2, blur_radially, false},
+    {"resize", "resize:WxH", 1, enlarge, false},
+    {"compose", "compose[:PADDING]", 1, put_side_by_side, true},
 };
 
 Arguments split(const std::string& text) {
@@ -134,6 +137,12 @@ Arguments split(const std::string& text) {
 
 }  // namespace
 
+StepResult run_step(const Step& step, const Frames& frames) try {
+  return step.run(frames, step.arguments);
+} catch (const Error& error) {
+  throw Error("--then " + step.text + ": " + error.what(), error.status);
+}
+
 Step parse_step(const std::string& text) {
   const size_t colon = text.find(':');
   const std::string name = text.substr(0, colon);
@@ -147,7 +156,7 @@ Step parse_step(const std::string& text) {
   if (arguments.size() > found->most_arguments) {
     throw Error("--then " + text + ": too much for " + found->usage);
   }
-  return {text, found->run, std::move(arguments)};
+  return {text, found->run, std::move(arguments), found->joins};
 }
 
 std::string step_names() {

@@ -23,7 +23,11 @@ struct Step {
   std::string text;  // as it was given
   RunStep run;
   std::vector<std::string> arguments;
+  bool joins;  // all frames into one
 };
+
+// Throws an Error that names the step.
+StepResult run_step(const Step& step, const Frames& frames);
 
 // "NAME" or "NAME:ARGUMENT,ARGUMENT". Throws an Error that says which steps there are.
 Step parse_step(const std::string& text);

@@ -41,6 +41,9 @@ Frame load_dump(const std::string& path, const RawOptions& raw, const std::vecto
   std::error_code error;
   const auto size = static_cast<size_t>(std::filesystem::file_size(path, error));
   if (error) throw Error(path + ": cannot be read: " + error.message());
+  if (meta.size() > 2) throw Error("--meta: two numbers at most, of luma and of chroma");
+  // One read of the system moves no more.
+  if (size > INT32_MAX - 4096) throw Error(path + ": larger than 2 gigabytes");
   const uint32_t luma_meta = meta.empty() ? 0 : meta[0];
   const uint32_t chroma_meta = meta.size() < 2 ? 0 : meta[1];
   const size_t both = size_t{luma_meta} + chroma_meta;
@@ -53,14 +56,18 @@ Frame load_dump(const std::string& path, const RawOptions& raw, const std::vecto
 
   Bytes bytes(size);
   const size_t chroma = luma_meta + size_t{static_cast<uint32_t>(format.stride)} * format.scanlines;
+  int32_t code = 0;
   g_shown_dump = path.c_str();
   if (fixed) {
-    zavri_debug_load_fixed_yuv(bytes.data(), static_cast<uint32_t>(chroma), &bytes[chroma],
-                               static_cast<uint32_t>(size - chroma));
+    code = zavri_debug_load_fixed_yuv(bytes.data(), static_cast<uint32_t>(chroma), &bytes[chroma],
+                                      static_cast<uint32_t>(size - chroma));
   } else {
     loadYuv(bytes.data(), describe(format, luma_meta, chroma_meta));
   }
   g_shown_dump = nullptr;
+  if (code != 0) {
+    throw Error(path + ": the library refused it with code " + std::to_string(code), kRefused);
+  }
   const auto at = [&](size_t index) { return bytes.begin() + static_cast<ptrdiff_t>(index); };
   bytes.erase(at(chroma), at(chroma + chroma_meta));
   bytes.erase(at(0), at(luma_meta));
@@ -77,7 +84,7 @@ extern "C" {
 __attribute__((visibility("default"))) int open(const char* path, int flags, ...) {
   if (is_shown(path)) return openat(AT_FDCWD, g_shown_dump, O_RDONLY);
   mode_t mode = 0;
-  if ((flags & O_CREAT) != 0) {
+  if ((flags & (O_CREAT | O_TMPFILE)) != 0) {
     va_list arguments;
     va_start(arguments, flags);
     mode = va_arg(arguments, mode_t);

@@ -3,6 +3,7 @@
 #include <zavricustpro.h>
 
 #include <cstdio>
+#include <numeric>
 
 #include "tools/error.h"
 
@@ -13,12 +14,12 @@ constexpr int kFewestRows = 2;  // brightness leaves the last row out
 
 Rect largest_rect(const Frame& frame) { return {0, 0, frame.width - 1, frame.height - 1}; }
 
-void check(const Frame& frame, const Rect& rect) {
+void check(const std::string& name, const Frame& frame, const Rect& rect) {
   const Rect all = largest_rect(frame);
   if (all.width < 1 || all.height < kFewestRows) {
-    throw Error(frame.size() + ": too small to be measured");
+    throw Error(name + ": " + frame.size() + " is too small to be measured");
   }
-  const std::string argument = "--rect " + rect.text() + ": ";
+  const std::string argument = name + ": --rect " + rect.text() + ": ";
   if (rect.width < 1 || rect.height < kFewestRows) {
     throw Error(argument + "at least one column and two rows are measured");
   }
@@ -61,17 +62,18 @@ Rect default_rect(const Frame& frame) {
   return rect;
 }
 
-Measures measure(const Frame& frame, const Rect& rect) {
-  check(frame, rect);
+Measures measure(const std::string& name, const Frame& frame, const Rect& rect) {
+  check(name, frame, rect);
   const auto width = static_cast<uint32_t>(frame.width);
   const auto height = static_cast<uint32_t>(frame.height);
   const uint8_t* const luma = frame.luma.data();
   const T_OptRect whole{rect.x, rect.y, rect.width, rect.height};
   zavri_auto_shoot_opt_set_FV_rect(&whole);
+  // The rows of the brightness, in a sum that does not wrap.
   uint64_t total = 0;
-  for (int row = 0; row + 1 < rect.height; ++row) {
-    const T_OptRect one_row{rect.x, rect.y + row, rect.width, kFewestRows};
-    total += zavri_auto_shoot_opt_get_bright(luma, &one_row, width, height);
+  for (int y = rect.y; y + 1 < rect.y + rect.height; ++y) {
+    const uint8_t* const row = luma + size_t{width} * static_cast<size_t>(y) + rect.x;
+    total = std::accumulate(row, row + rect.width, total);
   }
   const double samples = static_cast<double>(rect.width) * (rect.height - 1);
   return {zavri_auto_shoot_opt_get_FV_value(luma, &whole, width, height),

@@ -34,7 +34,8 @@ Rect parse_rect(const std::string& text);
 // sums might wrap, the middle of it.
 Rect default_rect(const Frame& frame);
 
-// Throws, for a rectangle that the library would refuse, an Error that says what would fit.
-Measures measure(const Frame& frame, const Rect& rect);
+// Throws an Error that names the frame and says what would fit, for a rectangle that the library
+// would refuse or some sums of which are always 0.
+Measures measure(const std::string& name, const Frame& frame, const Rect& rect);
 
 }  // namespace zavri::tools

@@ -63,7 +63,7 @@ Report decimals(double value, int digits) {
 void Console::print(const Report& report) const {
   if (quiet) return;
   if (json) {
-    std::printf("%s\n", report.dump(2).c_str());
+    std::printf("%s\n", report.dump(2, ' ', false, Report::error_handler_t::replace).c_str());
     return;
   }
   for (const auto& item : report.items()) {

@@ -295,8 +295,8 @@ int run_program(int argc, char** argv) {
       ->type_name("STEP")
       ->allow_extra_args(false);
   command->add_option("--meta", replay.meta, "bytes in front of luma and chroma, such as 64,0")
-      ->expected(1, 2)
-      ->delimiter(',');
+      ->delimiter(',')
+      ->allow_extra_args(false);
   add_raw_options(command, replay.raw);
 
   ViewOptions view;

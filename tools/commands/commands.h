@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -73,7 +74,7 @@ int run_compose(const ComposeOptions& options, const Console& console);
 struct MeasureOptions {
   std::vector<std::string> inputs;
   RawOptions raw;
-  std::string rect;  // x,y,width,height; the largest when empty
+  std::optional<std::string> rect;  // x,y,width,height; the largest when empty
   bool csv = false;
 };
 int run_measure(const MeasureOptions& options, const Console& console);

@@ -21,7 +21,8 @@ Report row_of(const std::string& name, const Rect& rect, const Measures& measure
           {"mean", decimals(measures.mean, 2)}};
 }
 
-// Marks the frames of the largest focus value. Only rectangles of one size compare.
+// Marks the frames of the largest focus value. Only rectangles of one size compare, and no frames
+// without any detail.
 void mark_sharpest(Report& rows, const std::vector<Rect>& rects, bool as_text) {
   const auto same_size = [&](const Rect& rect) {
     return rect.width == rects.front().width && rect.height == rects.front().height;
@@ -29,6 +30,7 @@ void mark_sharpest(Report& rows, const std::vector<Rect>& rects, bool as_text) {
   if (rows.size() < 2 || !std::all_of(rects.begin(), rects.end(), same_size)) return;
   uint32_t most = 0;
   for (const Report& row : rows) most = std::max(most, row["focus"].get<uint32_t>());
+  if (most == 0) return;
   for (Report& row : rows) {
     const bool sharpest = row["focus"] == most;
     row["sharpest"] = as_text ? Report(sharpest ? "*" : "") : Report(sharpest);
@@ -59,7 +61,7 @@ void print_csv(const Report& rows) {
 
 int run_measure(const MeasureOptions& options, const Console& console) {
   std::optional<Rect> asked;
-  if (!options.rect.empty()) asked = parse_rect(options.rect);
+  if (options.rect) asked = parse_rect(*options.rect);
   Report rows = Report::array();
   std::vector<Rect> rects;
   bool may_wrap = false;
@@ -68,16 +70,19 @@ int run_measure(const MeasureOptions& options, const Console& console) {
     for (const Frame& frame : frames) {
       const Rect rect = asked ? *asked : default_rect(frame);
       const std::string number = frames.size() > 1 ? '#' + std::to_string(&frame - &frames[0]) : "";
-      rows.push_back(row_of(input + number, rect, measure(frame, rect)));
+      const std::string name = input + number;
+      rows.push_back(row_of(name, rect, measure(name, frame, rect)));
       rects.push_back(rect);
       may_wrap |= rect.may_wrap();
     }
   }
   if (may_wrap) {
     console.say("--rect: the library's sums count modulo 2^32; above " +
-                std::to_string(kSafeSamples) + " samples they may have wrapped");
+                std::to_string(kSafeSamples) +
+                " samples they may have wrapped, and no frame is marked");
+  } else {
+    mark_sharpest(rows, rects, !console.json);
   }
-  mark_sharpest(rows, rects, !console.json);
   if (options.csv && !console.quiet) {
     print_csv(rows);
   } else {

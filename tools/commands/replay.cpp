@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include "tools/chain.h"
 #include "tools/commands/commands.h"
 #include "tools/dump.h"
@@ -11,6 +13,11 @@ int run_replay(const ReplayOptions& options, const Console& console) {
   check_output(options.output, console.force);
   std::vector<Step> steps;
   for (const std::string& text : options.steps) steps.push_back(parse_step(text));
+  const bool joins = std::any_of(steps.begin(), steps.end(), [](const Step& s) { return s.joins; });
+  if (options.inputs.size() > 1 && !joins) {
+    throw Error("IN: " + std::to_string(options.inputs.size()) +
+                " dumps; --then denoise or --then compose makes one frame of them");
+  }
   Frames frames;
   for (const std::string& input : options.inputs) {
     frames.push_back(load_dump(input, options.raw, options.meta));
@@ -25,14 +32,10 @@ int run_replay(const ReplayOptions& options, const Console& console) {
   };
   for (const Step& step : steps) {
     console.progress(step.text);
-    StepResult result = step.run(frames, step.arguments);
+    StepResult result = run_step(step, frames);
     for (const std::string& remark : result.remarks) console.say(step.text + ": " + remark);
     frames = std::move(result.frames);
     add_row(step.text, result.seconds);
-  }
-  if (frames.size() > 1) {
-    throw Error(std::to_string(frames.size()) +
-                " frames are left; --then denoise or --then compose makes one of them");
   }
   write_file(options.output, encode(frames.front(), options.output));
   // stdout may be the output itself.
