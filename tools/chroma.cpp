@@ -162,19 +162,23 @@ ChromaResult denoise_chroma(const Frame& frame, const ChromaSettings& settings, 
   return result;
 }
 
+namespace {
+
+int parse_weight(const std::string& word, const std::string& path) {
+  int8_t weight = 0;
+  const char* const end = word.data() + word.size();
+  const auto [rest, error] = std::from_chars(word.data(), end, weight);
+  if (error == std::errc() && rest == end) return weight;
+  throw Error(path + ": " + word + ": weights are whole numbers, -128..127");
+}
+
+}  // namespace
+
 std::vector<int> read_weights(const std::string& path) {
   const Bytes bytes = read_file(path);
   std::istringstream text(std::string(bytes.begin(), bytes.end()));
   std::vector<int> weights;
-  for (std::string word; text >> word;) {
-    int8_t weight = 0;
-    const char* const end = word.data() + word.size();
-    const auto [rest, error] = std::from_chars(word.data(), end, weight);
-    if (error != std::errc() || rest != end) {
-      throw Error(path + ": " + word + ": weights are whole numbers, -128..127");
-    }
-    weights.push_back(weight);
-  }
+  for (std::string word; text >> word;) weights.push_back(parse_weight(word, path));
   if (weights.empty()) throw Error(path + ": there are no weights in it");
   return weights;
 }
