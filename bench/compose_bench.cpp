@@ -50,13 +50,13 @@ struct Frames {
 
   Frames(int width, int height, int padding)
       : source1(run_plane(width, height * 3 / 2, Runs::kShort)),
-        source2(run_plane(width, height * 3 / 2, Runs::kLong)),
-        output(source1.size()) {
+        source2(run_plane(width, height * 3 / 2, Runs::kLong)) {
     param.width = static_cast<uint16_t>(width);
     param.height = static_cast<uint16_t>(height);
     param.padding = static_cast<uint16_t>(padding);
     param.src_frame1 = source1.data();
     param.src_frame2 = source2.data();
+    output.resize(zavri_room_compose_frame(&param));
     param.dst_frame = output.data();
   }
 };

@@ -10,13 +10,13 @@
 #include "bench/workload.h"
 #include "denoise3d/chroma_runs.h"
 #include "denoise3d/merge.h"
+#include "include/zavricustpro.h"
 
 namespace zavri::bench {
 namespace {
 
 constexpr int kWidth = 1920;
 constexpr int kHeight = 1080;
-constexpr int kStrips = 4;
 
 // Times `work` alone: the kernels work in place, and restoring their input is not their cost.
 template <class Restore, class Work>
@@ -129,9 +129,9 @@ void add_runs(Runs runs, const char* name, const Expectation& sequence,
                 [&] { kernels.smooth_sequence(plane->data(), plane->size()); });
     });
     add(columns_group + '/' + build_name(build), [=](benchmark::State& state) {
-      constexpr size_t kRows = kHeight / 2 / kStrips;
+      constexpr size_t kRows = kHeight / 2 / kZavriStrips;
       time_work(state, restore_input, [&] {
-        for (size_t strip = 0; strip < kStrips; ++strip) {
+        for (size_t strip = 0; strip < kZavriStrips; ++strip) {
           kernels.smooth_columns(plane->data() + strip * kRows * kWidth, kWidth, kRows, kWidth);
         }
       });

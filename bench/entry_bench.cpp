@@ -30,7 +30,7 @@ constexpr Mode kModes[] = {
     {"chroma", 0, 0, 0, 0}, {"whole_smooth", 1, 0, 0, 1},
 };
 
-// A burst in the layout of the entry, with the room that drifting edge sections need.
+// A burst in the layout of the entry, with the room that every mode needs.
 struct Frames {
   T_3DYuvDenoiseParam param{};
   Bytes frames[4];
@@ -38,14 +38,17 @@ struct Frames {
 
   Frames(int width, int height) {
     const Burst burst(width, height, Noise::kHard);
-    const size_t room = static_cast<size_t>(width) * (height / 8 + 8);
     const size_t luma = static_cast<size_t>(width) * height;
     param.width = static_cast<uint32_t>(width);
     param.height = static_cast<uint32_t>(height);
     param.y_stride = param.uv_stride = param.width;
-    param.uv_offset = static_cast<uint32_t>(luma + room);
+    // The record of kModes that needs most.
+    T_3DYuvDenoiseParam widest = param;
+    widest.frame_num = 3;
+    widest.switch_b = widest.switch_d = 1;
+    param.uv_offset = static_cast<uint32_t>(zavri_room_denoise_luma(&widest));
     for (int k = 0; k < 4; ++k) {
-      frames[k].resize(luma + room + luma / 2 + room);
+      frames[k].resize(param.uv_offset + zavri_room_denoise_chroma(&widest));
       memcpy(frames[k].data(), burst.luma[k].data(), luma);
       memcpy(&frames[k][param.uv_offset], burst.chroma[k].data(), luma / 2);
       param.frame_y[k] = frames[k].data();
@@ -72,7 +75,7 @@ void touch_strip(const void* strip, const void* param, void*) {
   const auto& p = *static_cast<const T_3DYuvDenoiseParam*>(param);
   const int s = *static_cast<const int32_t*>(strip);
   const size_t rows = p.height / 8;
-  const size_t end = s == kStrips - 1 ? p.height / 2 : (s + 1) * rows;
+  const size_t end = s == kZavriStrips - 1 ? p.height / 2 : (s + 1) * rows;
   for (size_t r = s * rows; r < end; ++r) {
     const uint8_t* chroma[3];
     const uint8_t* luma[3];

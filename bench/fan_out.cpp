@@ -14,13 +14,13 @@ void use_processors(int count) {
 }
 
 void fan_out(ThreadPoolTaskFunc function, const void* param) {
-  int32_t strips[kStrips];
-  T_ThreadPoolTaskInput inputs[kStrips];
-  for (int i = 0; i < kStrips; ++i) {
+  int32_t strips[kZavriStrips];
+  T_ThreadPoolTaskInput inputs[kZavriStrips];
+  for (int i = 0; i < kZavriStrips; ++i) {
     strips[i] = i;
     inputs[i] = {&strips[i], nullptr, param};
   }
-  ThreadPoolWorker worker(g_threadpool, kStrips, function, inputs);
+  ThreadPoolWorker worker(g_threadpool, kZavriStrips, function, inputs);
   worker.Work();
 }
 

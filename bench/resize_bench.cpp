@@ -35,17 +35,17 @@ struct Frames {
   Bytes source;
   Bytes target;
 
-  Frames(int width, int height)
-      : source(run_plane(1920, 1080 * 3 / 2, Runs::kShort)),
-        target(static_cast<size_t>(width) * height * 3 / 2) {
+  Frames(int width, int height) : source(run_plane(1920, 1080 * 3 / 2, Runs::kShort)) {
     param.src_width = param.src_stride = 1920;
     param.src_height = 1080;
     param.src_y = source.data();
     param.src_uv = &source[1920 * 1080];
     param.dst_width = param.dst_stride = static_cast<uint16_t>(width);
     param.dst_height = static_cast<uint16_t>(height);
+    const size_t luma = zavri_room_resize_luma(param.dst_width, param.dst_height, param.dst_stride);
+    target.resize(luma + zavri_room_resize_chroma(param.dst_height, param.dst_stride));
     param.dst_y = target.data();
-    param.dst_uv = &target[static_cast<size_t>(width) * height];
+    param.dst_uv = &target[luma];
   }
 };
 
@@ -77,8 +77,8 @@ struct Strip {
 
   Strip(const void* number, const T_ResizeParam& p) {
     const int k = *static_cast<const int32_t*>(number);
-    src_rows = p.src_height / kStrips;
-    dst_rows = p.dst_height / kStrips;
+    src_rows = p.src_height / kZavriStrips;
+    dst_rows = p.dst_height / kZavriStrips;
     src_y = p.src_y + k * src_rows * p.src_stride;
     src_uv = p.src_uv + k * src_rows / 2 * p.src_stride;
     dst_y = p.dst_y + k * dst_rows * p.dst_stride;

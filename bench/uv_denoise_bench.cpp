@@ -22,7 +22,6 @@ namespace {
 
 constexpr int kWidth = 1920;
 constexpr int kRows = 540;
-constexpr int kStrips = 4;
 
 struct Plane {
   int width;
@@ -129,7 +128,7 @@ void add_passes(const SharedPlane& plane) {
   Summary::expect("uv/fill", {6.3, 8.8});
   add_builds("uv/fill", plane, [=](Build build) {
     const testing::UseBuild use(build);
-    UV_denoise_fill_grid(plane->bytes.data(), kWidth, kRows, kWidth, kStrips - 1);
+    UV_denoise_fill_grid(plane->bytes.data(), kWidth, kRows, kWidth, kZavriStrips - 1);
   });
 }
 
@@ -140,7 +139,7 @@ void denoise(ThreadPoolTaskFunc function, const Falling& weights, Plane& plane) 
   param.uv_plane = plane.bytes.data();
   param.threshold = static_cast<int8_t>(weights.threshold);
   for (int d = 0; d < weights.threshold; ++d) param.weight_table[d] = weights.of(d);
-  for (uint32_t strip = 0; strip < kStrips; ++strip) function(&strip, &param, nullptr);
+  for (uint32_t strip = 0; strip < kZavriStrips; ++strip) function(&strip, &param, nullptr);
 }
 
 void add_plane(const std::string& group, ThreadPoolTaskFunc function, const Falling& weights,

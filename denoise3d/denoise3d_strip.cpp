@@ -10,7 +10,7 @@ namespace zavri {
 namespace {
 
 constexpr int32_t kFirstStrip = 0;
-constexpr int32_t kLastStrip = 3;
+constexpr int32_t kLastStrip = kZavriStrips - 1;
 constexpr uint8_t kEdgeGainEnd = 16;  // the edge modes serve lower gains only
 constexpr uint16_t kSmoothLevel = 10;
 
@@ -60,7 +60,7 @@ class Strip {
 
 uint32_t chroma_rows(int32_t number, uint32_t height) {
   const uint32_t quarter = height / 8;
-  return number == kLastStrip ? height / 2 - 3 * quarter : quarter;
+  return number == kLastStrip ? height / 2 - kLastStrip * quarter : quarter;
 }
 
 Strip::Strip(const T_3DYuvDenoiseParam& param, int32_t number)

@@ -49,29 +49,6 @@ class Input {
   const uint8_t* end_;
 };
 
-// Bytes of each plane that one call may touch.
-struct Room {
-  size_t luma, chroma;
-};
-
-Room room_for(const T_3DYuvDenoiseParam& p) {
-  const size_t chroma_rows = p.height / 2;
-  const size_t last_strip = chroma_rows - 3 * size_t{p.height / 8};
-  if (last_strip == 0) return {0, 0};
-  const size_t luma_rows = 3 * size_t{p.height / 4} + 2 * last_strip;
-  Room room = {(luma_rows - 1) * p.y_stride + p.width,
-               (chroma_rows - 1) * p.uv_stride + even_up(p.width)};
-  if (p.switch_d) {
-    room.chroma = std::max(room.chroma, chroma_rows * p.uv_stride + p.uv_stride % 2);
-  }
-  if ((p.switch_b || p.switch_c) && p.gain < 16) {
-    const size_t drift = p.frame_num == 4 ? 2 : 2 * size_t{p.width / 4} * last_strip;
-    room.luma += drift;
-    room.chroma += drift;
-  }
-  return room;
-}
-
 // Keeps to the header's contract: strides of at least the width, a reference among the frames.
 T_3DYuvDenoiseParam read_record(Input& input) {
   T_3DYuvDenoiseParam p{};
@@ -105,12 +82,12 @@ void fill(uint8_t* bytes, size_t size, uint32_t state, uint32_t spread) {
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   Input input(data, size);
   T_3DYuvDenoiseParam p = read_record(input);
-  const Room room = room_for(p);
+  const size_t luma = zavri_room_denoise_luma(&p);
   // The chroma plane directly behind the luma plane, or behind a stretch that nothing touches.
   const bool apart = input.flag() || !kSharedBytes;
-  p.uv_offset = static_cast<uint32_t>(apart ? room.luma + 32 + input.below(32)
-                                            : size_t{p.y_stride} * p.height);
-  const size_t bytes = std::max(room.luma, p.uv_offset + room.chroma);
+  p.uv_offset =
+      static_cast<uint32_t>(apart ? luma + 32 + input.below(32) : size_t{p.y_stride} * p.height);
+  const size_t bytes = std::max(luma, p.uv_offset + zavri_room_denoise_chroma(&p));
   const uint32_t spread = 1 + input.byte();
   const uint32_t state = input.byte();
 
@@ -121,8 +98,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     p.frame_y[k] = frames[k].get();
     if (!apart) continue;
     // Up to the chroma plane's first 8 bytes, the sanitizer's granule.
-    const size_t gap = (p.uv_offset - room.luma) & ~size_t{7};
-    ASAN_POISON_MEMORY_REGION(frames[k].get() + room.luma, gap);
+    const size_t gap = (p.uv_offset - luma) & ~size_t{7};
+    ASAN_POISON_MEMORY_REGION(frames[k].get() + luma, gap);
   }
 
   if (zavri_mp_3D_YUV_denoise(&p) != 0) abort();

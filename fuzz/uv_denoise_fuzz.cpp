@@ -1,6 +1,5 @@
 // The chroma denoise on planes of every shape that the header admits, in every build. The memory
 // ends where zavricustpro.h says that the strips stop reading.
-#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
@@ -47,18 +46,15 @@ class Input {
   const uint8_t* end_;
 };
 
-// Rows before the plane, and rows from its first on, that the strips may touch.
+// Bytes before the plane, and from its first on, that the strips may touch.
 struct Room {
-  uint32_t before;
-  uint32_t rows;
+  size_t before;
+  size_t plane;
 };
 
 Room room_for(const T_UVDenoiseParam& p, const Filter& filter) {
-  if (!filter.borders) return {0, p.height};
-  const uint32_t r = filter.reach;
-  const uint32_t q = p.height / 4;
-  const uint32_t m = q / 2;
-  return {m < 2 * r ? 2 * (2 * r - m) : 0, std::max(p.height, 3 * q + 2 * (3 * r - 1) + 1)};
+  if (!filter.borders) return {0, size_t{p.height - 1} * p.stride + p.width};
+  return {zavri_room_uv_denoise_before(&p), zavri_room_uv_denoise(&p)};
 }
 
 // The weights stay below what could add up to nothing.
@@ -74,9 +70,9 @@ void read_weights(Input& input, T_UVDenoiseParam& param) {
 std::vector<uint8_t> denoised(const std::vector<uint8_t>& bytes, const Room& room,
                               T_UVDenoiseParam param, ThreadPoolTaskFunc strip, Build build) {
   std::vector<uint8_t> result = bytes;
-  param.uv_plane = result.data() + size_t{room.before} * param.stride;
+  param.uv_plane = result.data() + room.before;
   const zavri::testing::UseBuild use(build);
-  for (uint32_t k = 0; k < 4; ++k) strip(&k, &param, nullptr);
+  for (uint32_t k = 0; k < kZavriStrips; ++k) strip(&k, &param, nullptr);
   return result;
 }
 
@@ -89,13 +85,14 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   param.width = 4 * filter.columns + 2 * input.below(70);
   param.height = 16 * filter.reach - 9 + input.below(46);
   if (!admits(param.height, filter)) return 0;
+  param.kernel_size = static_cast<int8_t>(2 * filter.reach + 1);
   param.stride = param.width + input.below(9);
   const Room room = room_for(param, filter);
   const uint32_t spread = 1 + input.byte();
   uint32_t state = input.byte();
   read_weights(input, param);
 
-  std::vector<uint8_t> bytes(size_t{room.before + room.rows - 1} * param.stride + param.width);
+  std::vector<uint8_t> bytes(room.before + room.plane);
   for (uint8_t& byte : bytes) {
     state = state * 1664525 + 1013904223;
     byte = static_cast<uint8_t>(60 + (state >> 24) % spread);

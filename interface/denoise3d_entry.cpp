@@ -8,8 +8,6 @@ using zavri::kTagProcessing;
 
 namespace {
 
-constexpr int kStrips = 4;
-
 uint8_t threshold_for(const T_3DYuvDenoiseParam& param, uint8_t requested,
                       const T_GainThreshPoint* table, uint8_t count) {
   const uint8_t tuned = zavri::tune_threshold(requested, param.gain, table, count);
@@ -26,9 +24,9 @@ uint32_t zavri_mp_3D_YUV_denoise(T_3DYuvDenoiseParam* param) {
   pthread_mutex_lock(&g_mp_process_lock);
   HALThreadPoolInit();
 
-  int32_t strips[kStrips];
-  T_ThreadPoolTaskInput inputs[kStrips];
-  for (int i = 0; i < kStrips; ++i) {
+  int32_t strips[kZavriStrips];
+  T_ThreadPoolTaskInput inputs[kZavriStrips];
+  for (int i = 0; i < kZavriStrips; ++i) {
     strips[i] = i;
     inputs[i] = {&strips[i], nullptr, param};
   }
@@ -42,7 +40,7 @@ uint32_t zavri_mp_3D_YUV_denoise(T_3DYuvDenoiseParam* param) {
                       static_cast<int>(p.height), static_cast<int>(p.width), p.gain, p.thresh,
                       p.threshY, p.frame_num);
 
-  ThreadPoolWorker worker(g_threadpool, kStrips, zavri_mp_3D_YUV_denoise_inner, inputs);
+  ThreadPoolWorker worker(g_threadpool, kZavriStrips, zavri_mp_3D_YUV_denoise_inner, inputs);
   worker.Work();
 
   pthread_mutex_unlock(&g_mp_process_lock);

@@ -7,7 +7,6 @@ using zavri::kTagProcessing;
 
 namespace {
 
-constexpr int kStrips = 4;
 constexpr uint32_t kDone = 0;
 constexpr uint32_t kReduction = 1;
 constexpr uint32_t kBadParameter = 2;
@@ -34,16 +33,16 @@ uint32_t strip_rows(uint32_t height) {
   return quarter + quarter % 2;
 }
 
-void fill_strips(const T_ResizeParam& param, T_ResizeParam (&strips)[kStrips]) {
+void fill_strips(const T_ResizeParam& param, T_ResizeParam (&strips)[kZavriStrips]) {
   const uint32_t src_rows = strip_rows(param.src_height);
   const uint32_t dst_rows = strip_rows(param.dst_height);
   const uint32_t src_bytes = src_rows * param.src_stride;
   const uint32_t dst_bytes = dst_rows * param.dst_stride;
-  for (uint32_t k = 0; k < kStrips; ++k) {
+  for (uint32_t k = 0; k < kZavriStrips; ++k) {
     T_ResizeParam& strip = strips[k];
     strip = param;
     // Three strips of a height of 4 or 5 are higher than the frame: the rest wraps around.
-    const bool last = k == kStrips - 1;
+    const bool last = k == kZavriStrips - 1;
     strip.src_height = static_cast<uint16_t>(last ? param.src_height - 3 * src_rows : src_rows);
     strip.dst_height = static_cast<uint16_t>(last ? param.dst_height - 3 * dst_rows : dst_rows);
     strip.src_y = param.src_y + k * src_bytes;
@@ -71,11 +70,11 @@ uint32_t zavri_mp_resize_process(T_ResizeParam* param) {
 
   pthread_mutex_lock(&g_mp_process_lock);
   HALThreadPoolInit();
-  T_ResizeParam strips[kStrips];
+  T_ResizeParam strips[kZavriStrips];
   fill_strips(*param, strips);
-  T_ThreadPoolTaskInput inputs[kStrips];
-  for (int i = 0; i < kStrips; ++i) inputs[i] = {&strips[i], nullptr, nullptr};
-  ThreadPoolWorker worker(g_threadpool, kStrips, zavri_mp_yuv_resize_inner, inputs);
+  T_ThreadPoolTaskInput inputs[kZavriStrips];
+  for (int i = 0; i < kZavriStrips; ++i) inputs[i] = {&strips[i], nullptr, nullptr};
+  ThreadPoolWorker worker(g_threadpool, kZavriStrips, zavri_mp_yuv_resize_inner, inputs);
   worker.Work();
   pthread_mutex_unlock(&g_mp_process_lock);
 

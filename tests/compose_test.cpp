@@ -92,20 +92,18 @@ void naive_fill(const T_ComposeParam& param, uint32_t mode, uint8_t* scratch) {
 }
 
 struct Frames {
-  Frames(Random& random, int width, int height, int padding)
-      : bytes(static_cast<size_t>(width) * height * 3 / 2),
-        source1(samples(random, Style::kUniform, bytes)),
-        source2(samples(random, Style::kUniform, bytes)),
-        output(samples(random, Style::kUniform, bytes)) {
+  Frames(Random& random, int width, int height, int padding) {
     param.width = static_cast<uint16_t>(width);
     param.height = static_cast<uint16_t>(height);
     param.padding = static_cast<uint16_t>(padding);
+    for (Bytes* const frame : {&source1, &source2, &output}) {
+      *frame = samples(random, Style::kUniform, zavri_room_compose_frame(&param));
+    }
     param.src_frame1 = source1.data();
     param.src_frame2 = source2.data();
     param.dst_frame = output.data();
   }
 
-  size_t bytes;
   Bytes source1;
   Bytes source2;
   Bytes output;
@@ -126,7 +124,8 @@ TEST(Compose, EveryFillPlacesBandsAndFrames) {
       for (int padding = 0; padding <= width; ++padding) {
         if (padding == 14) padding = std::max(14, width - 9);
         Frames frames(random, width, height, padding);
-        const Bytes before = samples(random, Style::kUniform, frames.bytes / 2 + 64);
+        const size_t room = zavri_room_compose_scratch(&frames.param);
+        const Bytes before = samples(random, Style::kUniform, room + 64);
         for (uint32_t mode = 0; mode < 4; ++mode) {
           frames.param.mode = random();  // the fills do not read it
           Bytes expected = before;

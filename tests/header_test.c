@@ -85,6 +85,30 @@ static_assert(sizeof(T_ThreadPoolTaskInput) == 3 * sizeof(void*), "T_ThreadPoolT
 
 enum { kWidth = 8, kHeight = 8, kLuma = kWidth * kHeight, kFrame = kLuma * 3 / 2 };
 
+/* Frames of 4000x3000 without row padding: the figures of docs/memory.md. */
+static int room_is_right(void) {
+  T_3DYuvDenoiseParam denoise = {0};
+  T_UVDenoiseParam chroma = {0};
+  T_ComposeParam compose = {0};
+  denoise.width = denoise.y_stride = denoise.uv_stride = 4000;
+  denoise.height = 3000;
+  denoise.frame_num = 3;
+  denoise.switch_b = 1;
+  chroma.width = chroma.stride = 4000;
+  chroma.height = 135;
+  chroma.kernel_size = 19;
+  compose.width = 4000;
+  compose.height = 3000;
+  return zavri_room_denoise_luma(&denoise) == 12000000u + 750000u &&
+         zavri_room_denoise_chroma(&denoise) == 6000000u + 750000u &&
+         zavri_room_resize_luma(4000, 3000, 4000) == 12000000u &&
+         zavri_room_resize_chroma(3000, 4000) == 6000000u &&
+         zavri_room_uv_denoise_before(&chroma) == 4u * 4000u &&
+         zavri_room_uv_denoise(&chroma) == 152u * 4000u &&
+         zavri_room_compose_frame(&compose) == 18000000u &&
+         zavri_room_compose_scratch(&compose) == 9000000u;
+}
+
 int main(void) {
   uint8_t frame[kFrame];
   memset(frame, 100, sizeof frame);
@@ -110,6 +134,10 @@ int main(void) {
       fprintf(stderr, "byte %d is %d, not %d\n", i, frame[i], expected);
       return 1;
     }
+  }
+  if (!room_is_right()) {
+    fprintf(stderr, "zavri_room_\n");
+    return 1;
   }
   if (g_threadpool == NULL || g_hal_threadpool_init != 1) return 1;
   if (HALThreadPoolDestroy() != 0 || g_threadpool != NULL) return 1;

@@ -51,9 +51,9 @@ class Resize {
     param.dst_height = dst.height;
     param.dst_stride = dst.stride;
     src_y = samples(random, Style::kUniform, luma_bytes(src));
-    src_uv = samples(random, Style::kUniform, luma_bytes(src) / 4 * 2);
+    src_uv = samples(random, Style::kUniform, chroma_bytes(src));
     dst_y.assign(luma_bytes(dst), 7);
-    dst_uv.assign(luma_bytes(dst) / 4 * 2, 7);
+    dst_uv.assign(chroma_bytes(dst), 7);
     param.src_y = src_y.data();
     param.src_uv = src_uv.data();
     param.dst_y = dst_y.data();
@@ -61,10 +61,12 @@ class Resize {
   }
 
  private:
-  static size_t luma_bytes(Geometry g) {
-    // A wrapped last strip begins two rows after the frame.
-    const size_t rows = g.height == 4 || g.height == 5 ? 6 + 65536 : g.height;
-    return rows * g.stride;
+  // A wrapped last strip begins two rows after the frame.
+  static size_t rows(Geometry g) { return g.height == 4 || g.height == 5 ? 6 + 65536 : g.height; }
+  // The recording scaler takes whole rows.
+  static size_t luma_bytes(Geometry g) { return rows(g) * g.stride; }
+  static size_t chroma_bytes(Geometry g) {
+    return rows(g) == g.height ? zavri_room_resize_chroma(g.height, g.stride) : luma_bytes(g) / 2;
   }
 };
 

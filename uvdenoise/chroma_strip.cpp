@@ -19,9 +19,9 @@ struct Strip {
 };
 
 Strip::Strip(uint32_t number, const T_UVDenoiseParam& param) : last(number >= kLastStrip) {
-  const uint32_t quarter = param.height / 4;
+  const uint32_t quarter = param.height / kZavriStrips;
   start = param.uv_plane + size_t{param.stride} * number * quarter;
-  rows = static_cast<uint16_t>(last ? param.height - 3 * quarter : quarter);
+  rows = static_cast<uint16_t>(last ? param.height - kLastStrip * quarter : quarter);
   grid_rows = rows / 2;
   grid_columns = static_cast<uint16_t>(param.width / 4);
 }

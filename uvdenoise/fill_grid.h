@@ -2,9 +2,11 @@
 
 #include <cstdint>
 
+#include "include/zavricustpro.h"
+
 namespace zavri {
 
-inline constexpr uint32_t kLastStrip = 3;  // and any number above it
+inline constexpr uint32_t kLastStrip = kZavriStrips - 1;  // and any number above it
 
 // Rebuilds the pairs between the samples of a strip's grid (G) from their neighbours, in blocks of
 // 8 bytes by 4 rows below row 0: those of the grid's rows (-) first, then the rows between (|).

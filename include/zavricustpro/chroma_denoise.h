@@ -1,0 +1,103 @@
+#ifndef ZAVRICUSTPRO_CHROMA_DENOISE_H_
+#define ZAVRICUSTPRO_CHROMA_DENOISE_H_
+
+#include "base.h"
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/* One chroma denoise, read-only for the library. A chroma plane is filtered in place in four strips
+ * of q = height/4 rows, the last of which takes the rest; the caller runs them. Only every second
+ * pair of every second row, counted from the strip's first, is filtered: along its row and then
+ * down its column, each with a window of K such pairs. What lies between is interpolated.
+ *
+ * Neither the plane's size nor its stride is checked. With r = (K - 1)/2, the last strip must have
+ * at least 4*r rows (a height of at least 4*r + 3*q), width must be even and at least 60, 96, 112
+ * or 128 for K = 7, 11, 15 or 19 (40 with the fixed tolerance), and stride at least width and below
+ * 32768. Low planes need room before their first and behind their last row: see
+ * zavri_room_uv_denoise_before and zavri_room_uv_denoise.
+ *
+ * Strips 0 to 2 also read the 2*r filtered rows after their own, which lie in the next strip, write
+ * the first r of them and fill row 0 of the next strip. So the strips may run at the same time, but
+ * what these rows become then depends on timing; one after the other in ascending order, the result
+ * is always the same. */
+typedef struct tagT_UVDenoiseParam {
+  uint32_t reserved; /* not read */
+  uint32_t width;    /* bytes of a chroma row that hold pairs: the image's width in pixels */
+  uint32_t height;   /* chroma rows */
+  uint32_t stride;   /* bytes from row to row */
+  uint8_t* uv_plane;
+  int8_t kernel_size; /* K: 7, 11, 15 or 19; any other value is taken as 11 */
+  int8_t threshold;   /* 0: nothing is done. A neighbour whose U and V both differ from the centre's
+                         by less than this counts; below 0 none does */
+  int8_t weight_table[127]; /* by the larger of the two differences: what a neighbour counts, the
+                               centre counting 64. Only [0, threshold) is read and need exist.
+                               Weights below 0 must not let a sum of weights become 0. Fast are
+                               only tables without such weights and with n * max(d * w[d]) +
+                               (64 + n * max(w)) / 2 <= 32767, where n is 10, 15, 15 or 18 for
+                               K = 7, 11, 15 or 19; others take up to ten times as long */
+} T_UVDenoiseParam;
+
+/* One strip, shaped as a pool task: `strip` points to the uint32_t strip number 0..3, `param` to a
+ * T_UVDenoiseParam, `unused` is ignored. Does nothing when either is null. */
+ZAVRI_EXPORT void zavri_mp_UV_denoise_inner(const void* strip, const void* param, void* unused);
+
+/* The same for a fixed K, whatever kernel_size says. A threshold of 0 only interpolates. */
+ZAVRI_EXPORT void zavri_mp_single_UV_denoise_new_inner_7(const void* strip, const void* param,
+                                                         void* unused);
+ZAVRI_EXPORT void zavri_mp_single_UV_denoise_new_inner_11(const void* strip, const void* param,
+                                                          void* unused);
+ZAVRI_EXPORT void zavri_mp_single_UV_denoise_new_inner_15(const void* strip, const void* param,
+                                                          void* unused);
+ZAVRI_EXPORT void zavri_mp_single_UV_denoise_new_inner_19(const void* strip, const void* param,
+                                                          void* unused);
+
+/* The older form with K = 11: plain means of the neighbours whose U is less than 20 away and whose
+ * V is less than 20 below the centre's (however far above). Reads neither kernel_size nor threshold
+ * nor weight_table. */
+ZAVRI_EXPORT void zavri_mp_single_UV_denoise_inner_11(const void* strip, const void* param,
+                                                      void* unused);
+
+/* Does nothing and returns 0. */
+ZAVRI_EXPORT uint32_t zavri_mp_single_UV_denoise(T_UVDenoiseParam* param);
+
+/* Room: what the strips of one record may touch, for the K of its kernel_size. The fixed tolerance
+ * stays within the plane's rows whatever these say. docs/memory.md derives them. */
+
+/* r: how many filtered pairs a window has to either side of its centre. */
+static inline size_t zavri_room_uv_denoise_reach(const T_UVDenoiseParam* param) {
+  switch (param->kernel_size) {
+    case 7:
+      return 3;
+    case 15:
+      return 7;
+    case 19:
+      return 9;
+    default:
+      return 5;
+  }
+}
+
+/* In bytes before uv_plane, which strip 0 reads. 0 from q = 4*r on. */
+static inline size_t zavri_room_uv_denoise_before(const T_UVDenoiseParam* param) {
+  const size_t window = 2 * zavri_room_uv_denoise_reach(param);
+  const size_t grid_rows = param->height / kZavriStrips / 2;
+  return grid_rows < window ? 2 * (window - grid_rows) * param->stride : 0;
+}
+
+/* In bytes from uv_plane on, of which strip 3 reads the last. No more than the plane's rows from
+ * q = 6*r on. */
+static inline size_t zavri_room_uv_denoise(const T_UVDenoiseParam* param) {
+  const size_t quarter = param->height / kZavriStrips;
+  const size_t last =
+      (kZavriStrips - 1) * quarter + 2 * (3 * zavri_room_uv_denoise_reach(param) - 1);
+  const size_t rows = last < param->height ? param->height : last + 1;
+  return (rows - 1) * param->stride + param->width;
+}
+
+#ifdef __cplusplus
+} /* extern "C" */
+#endif
+
+#endif /* ZAVRICUSTPRO_CHROMA_DENOISE_H_ */
