@@ -13,12 +13,15 @@
 #include <memory>
 
 #include "include/zavricustpro.h"
+#include "interface/threshold_tuning.h"
 #include "platform/log.h"
 
 extern "C" int __android_log_print(int, const char*, const char*, ...) { return 0; }
 
-// Stands for zavri::scale_threshold, whose megapixels would leave frames of this size no threshold.
-extern "C" uint8_t __wrap__ZN5zavri15scale_thresholdEhjj(uint8_t threshold, uint32_t, uint32_t) {
+// Is called instead of zavri::scale_threshold, which would leave frames of less than two megapixels
+// no threshold. It is declared with that function's type: a change of the type does not compile.
+extern "C" decltype(zavri::scale_threshold) __wrap__ZN5zavri15scale_thresholdEhjj;
+uint8_t __wrap__ZN5zavri15scale_thresholdEhjj(uint8_t threshold, uint32_t, uint32_t) {
   return threshold;
 }
 

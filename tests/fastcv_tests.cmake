@@ -6,8 +6,7 @@ add_executable(fastcv_test
   support/samples.cpp
   support/use_build.cpp)
 target_link_libraries(fastcv_test PRIVATE zavri_fastcv_objects GTest::gtest_main)
-target_link_options(fastcv_test PRIVATE
-  LINKER:--wrap=_ZN5zavri10best_buildEv LINKER:--wrap=posix_memalign)
+zavri_wrap(fastcv_test _ZN5zavri10best_buildEv posix_memalign)
 gtest_discover_tests(fastcv_test DISCOVERY_TIMEOUT 60)
 
 include(${PROJECT_SOURCE_DIR}/cmake/Peers.cmake)

@@ -59,13 +59,15 @@ ZAVRI_EXPORT void zavri_mp_compose_two_same_frame_padding_left_right(T_ComposePa
 /* In bytes of each of the three frames. For an odd height this is half a row more than luma and
  * height / 2 rows of chroma. */
 static inline size_t zavri_room_compose_frame(const T_ComposeParam* param) {
-  const size_t pixels = (size_t)param->width * param->height;
+  const size_t width = param->width;
+  const size_t pixels = width * param->height;
   return pixels + pixels / 2;
 }
 
 /* In bytes of the scratch frame of one of the four padding functions. */
 static inline size_t zavri_room_compose_scratch(const T_ComposeParam* param) {
-  const size_t pixels = (size_t)param->width * param->height;
+  const size_t width = param->width;
+  const size_t pixels = width * param->height;
   return pixels * 3 / 4;
 }
 

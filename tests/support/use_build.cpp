@@ -8,9 +8,10 @@ std::optional<zavri::Build> g_build;
 
 }  // namespace
 
-// zavri::best_build() as the linker's --wrap option sees it.
+// The linker calls __wrap_<symbol> for zavri::best_build() and __real_<symbol> is that function;
+// both are declared with its type, so that a change of that does not compile.
 extern "C" {
-zavri::Build __real__ZN5zavri10best_buildEv();
+decltype(zavri::best_build) __wrap__ZN5zavri10best_buildEv, __real__ZN5zavri10best_buildEv;
 zavri::Build __wrap__ZN5zavri10best_buildEv() {
   return g_build ? *g_build : __real__ZN5zavri10best_buildEv();
 }

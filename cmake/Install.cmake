@@ -1,0 +1,6 @@
+install(TARGETS zavricustpro)
+if(NOT ANDROID)
+  # A phone has the vendor's.
+  install(TARGETS zavri_fastcv)
+endif()
+install(DIRECTORY include/ TYPE INCLUDE)

@@ -1,0 +1,19 @@
+# Kernel sources are compiled once for each build that simd/builds.h lists. The choice of a build is
+# one object file in all libraries, because a program may link the objects of several.
+zavri_compile(zavri_builds simd/builds.cpp)
+
+# Adds the kernel sources that follow `prefix` to the library of `objects`, as the targets
+# <prefix>_plain, <prefix>_vector16 and, on x86-64, <prefix>_vector32.
+function(zavri_add_kernels objects prefix)
+  target_sources(${objects} INTERFACE $<TARGET_OBJECTS:zavri_builds>)
+  zavri_add_objects(${objects} ${prefix}_plain ${ARGN})
+  target_compile_options(${prefix}_plain PRIVATE -O2 -DZAVRI_BUILD_PLAIN)
+  zavri_add_objects(${objects} ${prefix}_vector16 ${ARGN})
+  # -O3: the fixed loops over lanes must be unrolled.
+  target_compile_options(${prefix}_vector16 PRIVATE -O3 -DZAVRI_VECTOR_BYTES=16)
+  if(CMAKE_SYSTEM_PROCESSOR MATCHES "x86_64" AND NOT ZAVRI_GENERIC_VECTORS)
+    target_compile_options(${prefix}_vector16 PRIVATE -march=x86-64-v2)
+    zavri_add_objects(${objects} ${prefix}_vector32 ${ARGN})
+    target_compile_options(${prefix}_vector32 PRIVATE -O3 -DZAVRI_VECTOR_BYTES=32 -march=x86-64-v3)
+  endif()
+endfunction()
