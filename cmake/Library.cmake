@@ -23,7 +23,7 @@ set(library_sources
   denoise3d/edge_sections.cpp
   denoise3d/uv_run_smooth.cpp
   interface/denoise3d_entry.cpp
-  interface/process_lock.cpp
+  interface/heavy_operation.cpp
   interface/resize_entry.cpp
   interface/threshold_tuning.cpp
   resize/resize_strip.cpp

@@ -1,5 +1,5 @@
 #include "include/zavricustpro.h"
-#include "interface/process_lock.h"
+#include "interface/heavy_operation.h"
 #include "platform/log.h"
 
 using zavri::kLogError;
@@ -7,6 +7,7 @@ using zavri::kTagProcessing;
 
 namespace {
 
+constexpr uint32_t kLastStrip = kZavriStrips - 1;
 constexpr uint32_t kDone = 0;
 constexpr uint32_t kReduction = 1;
 constexpr uint32_t kBadParameter = 2;
@@ -42,9 +43,11 @@ void fill_strips(const T_ResizeParam& param, T_ResizeParam (&strips)[kZavriStrip
     T_ResizeParam& strip = strips[k];
     strip = param;
     // Three strips of a height of 4 or 5 are higher than the frame: the rest wraps around.
-    const bool last = k == kZavriStrips - 1;
-    strip.src_height = static_cast<uint16_t>(last ? param.src_height - 3 * src_rows : src_rows);
-    strip.dst_height = static_cast<uint16_t>(last ? param.dst_height - 3 * dst_rows : dst_rows);
+    const bool last = k == kLastStrip;
+    strip.src_height =
+        static_cast<uint16_t>(last ? param.src_height - kLastStrip * src_rows : src_rows);
+    strip.dst_height =
+        static_cast<uint16_t>(last ? param.dst_height - kLastStrip * dst_rows : dst_rows);
     strip.src_y = param.src_y + k * src_bytes;
     strip.src_uv = param.src_uv + k * src_bytes / 2;
     strip.dst_y = param.dst_y + k * dst_bytes;
@@ -68,16 +71,11 @@ uint32_t zavri_mp_resize_process(T_ResizeParam* param) {
     return kReduction;
   }
 
-  pthread_mutex_lock(&g_mp_process_lock);
-  HALThreadPoolInit();
   T_ResizeParam strips[kZavriStrips];
-  fill_strips(*param, strips);
-  T_ThreadPoolTaskInput inputs[kZavriStrips];
-  for (int i = 0; i < kZavriStrips; ++i) inputs[i] = {&strips[i], nullptr, nullptr};
-  ThreadPoolWorker worker(g_threadpool, kZavriStrips, zavri_mp_yuv_resize_inner, inputs);
-  worker.Work();
-  pthread_mutex_unlock(&g_mp_process_lock);
-
-  log("zavri-mp::resize end");
+  const auto prepare = [&](T_ThreadPoolTaskInput* inputs) {
+    fill_strips(*param, strips);
+    for (int i = 0; i < kZavriStrips; ++i) inputs[i] = {&strips[i], nullptr, nullptr};
+  };
+  zavri::run_heavy_operation(zavri_mp_yuv_resize_inner, prepare, "zavri-mp::resize end");
   return kDone;
 }

@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "include/zavricustpro.h"
-#include "interface/process_lock.h"
+#include "interface/heavy_operation.h"
 #include "platform/log.h"
 #include "tests/support/log_capture.h"
 #include "tests/support/thread_faults.h"

@@ -6,7 +6,7 @@
 #include <thread>
 
 #include "include/zavricustpro.h"
-#include "interface/process_lock.h"
+#include "interface/heavy_operation.h"
 #include "resize/chroma_channels.h"
 #include "tests/support/allocations.h"
 #include "tests/support/log_capture.h"
