@@ -1,0 +1,21 @@
+#pragma once
+
+#include <cstdint>
+
+// What the program does, one function for each command. Results go to stdout; the functions return
+// the exit status.
+namespace zavri::device {
+
+struct BenchOptions {
+  uint32_t width = 4000;
+  uint32_t height = 3000;
+  int threads = 4;      // the most that are tried
+  double seconds = 10;  // about, for all measurements together
+  bool json = false;
+};
+
+int bench(const BenchOptions& options);
+int probe();
+int verify();
+
+}  // namespace zavri::device
