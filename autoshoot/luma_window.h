@@ -8,7 +8,7 @@
 
 namespace zavri {
 
-// The rectangle of a luma plane that a measure walks. The plane has no padding, so the width of the
+// A measure walks this rectangle of a luma plane. The plane has no padding, so the width of the
 // image is the distance from row to row.
 //
 //   |<------------- pitch ------------->|
@@ -23,8 +23,8 @@ struct LumaWindow {
   const uint8_t* row(size_t r) const { return first + r * pitch; }
 };
 
-// Nothing when the plane is null, or the rectangle has a negative field or leaves no margin. `rect`
-// is not looked at without a plane.
+// Returns nothing when the plane is null, or the rectangle has a negative field or leaves no
+// margin. `rect` is not looked at without a plane.
 inline std::optional<LumaWindow> open_window(const uint8_t* luma, const T_OptRect* rect,
                                              uint32_t image_width, uint32_t image_height) {
   if (luma == nullptr) return std::nullopt;
@@ -34,7 +34,7 @@ inline std::optional<LumaWindow> open_window(const uint8_t* luma, const T_OptRec
   const auto y = static_cast<uint32_t>(r.y);
   const auto width = static_cast<uint32_t>(r.width);
   const auto height = static_cast<uint32_t>(r.height);
-  // Two numbers of 31 bits: the sums cannot wrap.
+  // Each sum has two numbers of 31 bits and cannot wrap.
   if (x + width >= image_width || y + height >= image_height) return std::nullopt;
   const size_t pitch = image_width;
   return LumaWindow{luma + y * pitch + x, width, height, pitch};

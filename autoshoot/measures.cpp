@@ -4,7 +4,7 @@
 namespace zavri {
 namespace {
 
-// Of every row to the one below it.
+// Adds up the differences of all samples from those below them.
 uint32_t vertical_differences(const LumaWindow& window) {
   const RowSumKernels& sums = row_sum_kernels();
   uint32_t sum = 0;
@@ -14,15 +14,17 @@ uint32_t vertical_differences(const LumaWindow& window) {
   return sum;
 }
 
-// These, and in groups of four rows those of every sample to its right neighbour; rows that fill no
-// group take no part in the second. One walk for both: a row comes from memory once.
+// Adds up the differences of all samples from those below them and, in groups of four rows, from
+// those to their right; rows that fill no group take no part in the second sum. One walk serves
+// both, so that a row comes from memory once.
 uint32_t all_differences(const LumaWindow& window) {
   if (window.width < 2) return vertical_differences(window);
   constexpr size_t kGroupRows = 4;
   const size_t neighbours = window.width - 1;
   // The count of groups and the jump from one to the next are kept in 16 bits. The jump misses the
-  // row's start on purpose: each group begins one column further left than the one above, or
-  // elsewhere when the jump was cut.
+  // row's start on purpose: group 1 of a rectangle at column 5 begins at column 4, group 2 at
+  // column
+  // 3. From 4 * pitch - width = 65536 on the jump is cut, and groups begin elsewhere.
   const size_t groups = (window.height / kGroupRows) & 0xffff;
   const size_t step = neighbours + ((kGroupRows * window.pitch - window.width) & 0xffff);
   const RowSumKernels& sums = row_sum_kernels();
@@ -40,7 +42,7 @@ uint32_t all_differences(const LumaWindow& window) {
   return sum;
 }
 
-// Of the rows [from, from + height).
+// Adds up the samples of the rows [from, from + height).
 uint32_t sample_sum(const LumaWindow& window, size_t from, size_t height) {
   const RowSumKernels& sums = row_sum_kernels();
   uint32_t sum = 0;
@@ -70,8 +72,8 @@ uint32_t zavri_auto_shoot_opt_get_FV_value_average(const uint8_t* luma, uint32_t
   if (!window) return 0;
   const auto area = static_cast<uint32_t>(window->height * window->width);
   if (area == 0) return 0;
-  // The mean is of the rows one below those whose deviations are summed, on purpose. It is a byte
-  // as long as the area fits 32 bits.
+  // On purpose the mean is that of the rows one below those whose deviations are summed: of
+  // rows 1..4 for a rectangle with the rows 0..3. It is a byte as long as the area fits 32 bits.
   const uint32_t mean = zavri::sample_sum(*window, 1, window->height) / area;
   const zavri::RowSumKernels& sums = zavri::row_sum_kernels();
   uint32_t sum = 0;

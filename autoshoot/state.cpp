@@ -1,6 +1,6 @@
 #include "include/zavricustpro.h"
 
-// What the host sets between calls; no lock guards it.
+// The host sets the rectangle between calls; no lock guards it.
 T_OptRect tOptRect;
 
 namespace {

@@ -28,8 +28,8 @@ bool output_overlaps_sources(const T_ComposeParam& param) {
   return overlaps(param.src_frame1) || overlaps(param.src_frame2);
 }
 
-// The picture between black bars. The bounds are cut from the product one by one: where that is no
-// multiple of 8, a byte between two parts may stay as it was.
+// Puts the picture between black bars. Each bound is cut from the product on its own: where that is
+// no multiple of 8, a byte between two parts may stay as it was.
 void lay_out(const T_ComposeParam& param, uint8_t* scratch) {
   const uint32_t pixels = pixels_of(param);
   uint8_t* const frame = param.dst_frame;
@@ -64,8 +64,8 @@ uint32_t zavri_mp_compose_two_same_frame(T_ComposeParam* param) {
   }
   __android_log_print(zavri::kLogVerbose, zavri::kTagDefog,
                       "KADRO::compose begin, width=%d, height=%d", param->width, param->height);
-  // Taken in every call, so that it depends on the size alone whether one fails for want of memory.
-  // The output then stays as it was, and the caller is not told.
+  // Every call takes the scratch frame, needed or not, so that it depends on the size alone whether
+  // one fails for want of memory. The output then stays as it was, and the caller is not told.
   if (void* const scratch = malloc((zavri::pixels_of(*param) * 3) >> 2)) {
     zavri::lay_out(*param, static_cast<uint8_t*>(scratch));
     free(scratch);

@@ -9,7 +9,7 @@ namespace {
 
 enum class Share { kNone, kHalf, kAll };
 
-// Shares of the padding that the bands of a row take:
+// A placement says which share of the padding each band of a row takes:
 //
 //   | left | frame 1 | middle | frame 2 | right |
 struct Placement {
@@ -18,7 +18,7 @@ struct Placement {
   Share right;
 };
 
-// By mode.
+// The index is the mode.
 constexpr Placement kPlacements[kPaddingModes] = {
     {Share::kAll, Share::kNone, Share::kNone},
     {Share::kNone, Share::kNone, Share::kAll},
@@ -31,7 +31,7 @@ struct Band {
   int bytes;
 };
 
-// Columns of a row of the picture, the same for luma and chroma.
+// The columns of a row of the picture are the same for luma and chroma.
 struct RowLayout {
   RowLayout(const T_ComposeParam& param, const Placement& placement);
 
@@ -40,9 +40,9 @@ struct RowLayout {
   Band middle;
   int frame2;
   Band right;
-  int frame_bytes;  // written of each frame
-  int picture_row;  // how far writing a row moves on in the picture,
-  int source_row;   // and reading one in a source
+  int frame_bytes;  // how many bytes of a row come from each frame
+  int picture_row;  // how far writing a row moves on in the picture
+  int source_row;   // how far reading a row moves on in a source
 };
 
 RowLayout::RowLayout(const T_ComposeParam& param, const Placement& placement) {
@@ -60,7 +60,7 @@ RowLayout::RowLayout(const T_ComposeParam& param, const Placement& placement) {
   right = {frame2 + frame_bytes, band_bytes(placement.right)};
   picture_row = right.column + right.bytes;
   source_row = 2 * frame_bytes + param.padding;
-  // Too narrow for the frames: the bands alone, each in its own row and column.
+  // Less than 4 columns are too narrow for the frames: only the bands are drawn, each in its place.
   if (frame_bytes == 0) {
     right.column = frame2 + span;
     picture_row = param.width;
@@ -80,8 +80,10 @@ void write_row(uint8_t* to, const RowLayout& layout, uint8_t black, const uint8_
 }  // namespace
 
 // Of every four luma rows of a source the second and the fourth are taken, of every two chroma rows
-// the second. Positions run on from where the last row ended: for a width - padding that is not a
-// multiple of 4 that is short of the next row, and the picture slides.
+// the second. Positions run on from where the last row ended. If width - padding is no multiple of
+// 4 that is short of the next row, and the picture slides: at 66 columns without padding a row
+// takes 33
+// + 32 bytes, so that each pair of luma rows begins a byte further left than the one above.
 void fill_picture(const T_ComposeParam& param, uint32_t mode, uint8_t* luma, uint8_t* chroma) {
   const DecimateKernels& decimate = decimate_kernels();
   const RowLayout layout(param, kPlacements[mode]);

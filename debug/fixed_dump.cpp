@@ -18,7 +18,7 @@ constexpr int32_t kMissing = 1;
 constexpr int32_t kBadParameters = 2;
 constexpr int32_t kNoMemory = 3;
 
-// <folder>/<name>, cut to what fits.
+// Holds <folder>/<name>, cut to what fits.
 struct ShortPath {
   char text[64] = {};
   ShortPath(const char* folder, const char* name) {
@@ -65,7 +65,7 @@ int32_t zavri_debug_dump_yuv_simple2(const uint8_t* y, uint32_t y_len, const uin
   if (u_len != v_len || u == nullptr || y == nullptr || v == nullptr || name == nullptr) {
     return zavri::kBadParameters;
   }
-  // Both chroma planes together are counted in a signed number as well.
+  // The length of both chroma planes together must fit a signed number as well.
   if (u_len < 0 || u_len > INT32_MAX / 2) return zavri::kNoMemory;
   const auto pairs = static_cast<uint32_t>(u_len);
   auto* const uv = static_cast<uint8_t*>(malloc(2 * pairs));

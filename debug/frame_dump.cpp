@@ -12,7 +12,8 @@
 namespace zavri {
 namespace {
 
-// The time in the names of a burst's frames; 0 until a dump takes it. No lock guards it.
+// This time stands in the names of a burst's frames. It is 0 until a dump takes it, and no lock
+// guards it.
 int32_t g_dump_time;
 
 bool begins_burst(const T_DumpFrameInfo& info) {
@@ -42,7 +43,8 @@ void for_each_stretch(const T_DumpFrameInfo& info, Transfer transfer) {
   const uint32_t planes = std::min<uint32_t>(info.num_planes, std::size(info.planes));
   for (uint32_t i = 0; i < planes; ++i) {
     const T_DumpPlaneInfo& plane = info.planes[i];
-    // Only the plane before counts, not all of them: the offsets make up for the rest.
+    // Only the plane before counts, not all of them: the offsets of the record make up for the
+    // rest.
     uint32_t position = plane.offset + (i > 0 ? info.planes[i - 1].len : 0);
     if (plane.meta_len != 0) {
       transfer(position, plane.meta_len);
@@ -65,7 +67,7 @@ int32_t dumpYuv(const uint8_t* base, T_DumpFrameInfo info) {
                         "[ZavriDebug] night shot dump yuv, file exist");
     return 0;
   }
-  // Not checked: after a failure the calls below fail one by one.
+  // The result is not checked: after a failure the calls below fail one by one.
   const int file = zavri::open_raw(path.text, zavri::kCreate);
   zavri::for_each_stretch(info, [&](uint32_t position, uint32_t bytes) {
     zavri::write_raw(file, base + position, bytes);
@@ -82,7 +84,7 @@ int32_t loadYuv(uint8_t* base, T_DumpFrameInfo info) {
                         "[ZavriDebug] night shot dump yuv, file exist, file is not exist");
     return 0;
   }
-  // Opened as for a dump, on purpose, and not checked either.
+  // On purpose the file is opened as for a dump; the result is not checked either.
   const int file = zavri::open_raw(path.text, zavri::kCreate);
   zavri::for_each_stretch(info, [&](uint32_t position, uint32_t bytes) {
     zavri::read_raw(file, base + position, bytes);

@@ -4,19 +4,19 @@
 
 #include <cstdint>
 
-// Files of raw bytes, as the dumps use them. A dump must never disturb the camera: transfers that
+// The dumps read and write files of raw bytes. A dump must never disturb the camera: transfers that
 // fail or fall short are ignored.
 namespace zavri {
 
 bool file_exists(const char* path);
 
-// What every dump opens its file with; the bytes of a longer file stay behind what is written.
+// Every dump opens its file with these flags; what a longer file holds behind the dump stays.
 inline constexpr int kCreate = O_RDWR | O_CREAT;
 
-// A descriptor, or what open() returns when it fails.
+// Returns a descriptor, or what open() returns when it fails.
 int open_raw(const char* path, int flags);
 
-// One call of the system each.
+// Each of these is one call of the system.
 void write_raw(int file, const void* bytes, uint32_t size);
 void read_raw(int file, void* bytes, uint32_t size);
 

@@ -16,10 +16,10 @@ constexpr uint16_t kSmoothLevel = 10;
 
 enum class MergeMode {
   kNone,
-  kWhole,      // mode A
-  kEdges,      // mode B
-  kEdgesLuma,  // mode C, edge variant
-  kChroma,     // mode C, inner variant
+  kWhole,      // chroma and luma of all rows
+  kEdges,      // chroma and luma of the edge sections
+  kEdgesLuma,  // luma of the edge sections
+  kChroma,     // chroma of all rows
 };
 
 MergeMode choose_mode(const T_3DYuvDenoiseParam& param) {
@@ -31,12 +31,12 @@ MergeMode choose_mode(const T_3DYuvDenoiseParam& param) {
   return param.thresh >= 2 ? MergeMode::kChroma : MergeMode::kNone;
 }
 
-// One strip of the reference frame and where the other frames hold the same samples.
+// A strip of the reference frame, which knows where the other frames hold the same samples.
 class Strip {
  public:
   Strip(const T_3DYuvDenoiseParam& param, int32_t number);
 
-  // False when the task ends without the smoothing pass.
+  // Returns false when the task ends without the smoothing pass.
   bool merge();
   void smooth_chroma() const;
 
@@ -51,10 +51,11 @@ class Strip {
 
   const T_3DYuvDenoiseParam& param_;
   const int32_t number_;
-  const uint32_t rows_;  // of chroma
-  ptrdiff_t chroma_;     // byte offsets of the strip's first samples from a frame's luma plane
+  const uint32_t chroma_rows_;
+  // All offsets count from the first byte of a frame's luma plane.
+  ptrdiff_t chroma_;
   ptrdiff_t luma_;
-  ptrdiff_t luma_end_ = 0;  // of what the last strip works on
+  ptrdiff_t luma_end_ = 0;  // where the luma that the last strip works on ends
   const uint8_t* others_[3];
 };
 
@@ -64,11 +65,12 @@ uint32_t chroma_rows(int32_t number, uint32_t height) {
 }
 
 Strip::Strip(const T_3DYuvDenoiseParam& param, int32_t number)
-    : param_(param), number_(number), rows_(chroma_rows(number, param.height)), others_{} {
+    : param_(param), number_(number), chroma_rows_(chroma_rows(number, param.height)), others_{} {
   const auto first = static_cast<ptrdiff_t>(number);
   chroma_ = static_cast<ptrdiff_t>(param.uv_offset) +
             first * static_cast<ptrdiff_t>(param.height / 8) * param.uv_stride;
-  // A quotient of its own, not twice the chroma row: for height mod 8 >= 4 the two differ.
+  // This is a quotient of its own, not twice the chroma row: at a height of 12 strip 1 starts at
+  // chroma row 1 and luma row 3.
   luma_ = first * static_cast<ptrdiff_t>(param.height / 4) * param.y_stride;
   for (int k = 0, other = 0; k < param.frame_num && other < param.frame_num - 1; ++k) {
     if (k != param.ref_index) others_[other++] = param.frame_y[k];
@@ -89,8 +91,8 @@ MergeRow Strip::row_at(ptrdiff_t chroma, ptrdiff_t luma) const {
 }
 
 // Where the last strip's luma runs into chroma, another strip may merge that at the same time. The
-// vector forms write back what they do not change, and would undo it; the rule writes only what it
-// merges.
+// vector forms write back what they do not change, and would undo it; the plain rule writes only
+// what it merges.
 void Strip::merge_row(MergeKind kind, ptrdiff_t chroma, ptrdiff_t luma, size_t bytes,
                       const MergeLimits& limits) const {
   const ptrdiff_t chroma_plane = static_cast<ptrdiff_t>(param_.uv_offset);
@@ -111,7 +113,7 @@ void Strip::merge_rows(MergeKind kind, const MergeLimits& limits) {
   const size_t bytes = param_.width & ~size_t{1};
   luma_end_ =
       last_strips_end(2 * static_cast<ptrdiff_t>(param_.y_stride), static_cast<ptrdiff_t>(bytes));
-  for (ptrdiff_t r = 0; r < static_cast<ptrdiff_t>(rows_); ++r) {
+  for (ptrdiff_t r = 0; r < static_cast<ptrdiff_t>(chroma_rows_); ++r) {
     merge_row(kind, r * param_.uv_stride, 2 * r * param_.y_stride, bytes, limits);
   }
 }
@@ -130,7 +132,7 @@ void Strip::merge_edges(MergeKind kind) {
       merge_row(kind, chroma + offset, luma + offset, bytes, {0, 0, ramp.limits(b, bytes)});
     }
   };
-  for (ptrdiff_t r = 0; r < static_cast<ptrdiff_t>(rows_); ++r) {
+  for (ptrdiff_t r = 0; r < static_cast<ptrdiff_t>(chroma_rows_); ++r) {
     const ptrdiff_t chroma = r * sections.chroma_step;
     const ptrdiff_t luma = r * sections.luma_step;
     merge_section(chroma, luma, left);
@@ -182,7 +184,7 @@ void Strip::smooth_chroma() const {
   smooth.level = kSmoothLevel;
   // The record's fields are 16 bits wide; larger values are cut.
   smooth.width = static_cast<uint16_t>(param_.width);
-  smooth.rows = static_cast<uint16_t>(rows_);
+  smooth.rows = static_cast<uint16_t>(chroma_rows_);
   smooth.stride = static_cast<uint16_t>(param_.uv_stride);
   smooth.plane = param_.frame_y[param_.ref_index] + chroma_;
   uv_run_smooth(&smooth);

@@ -2,14 +2,14 @@
 
 #include <cstdint>
 
-// One horizontal strip of an interleaved chroma plane.
+// This record describes one horizontal strip of an interleaved chroma plane.
 struct tagT_UvRunSmoothParam {
-  uint16_t gain;   // not used
-  uint16_t level;  // not used
+  uint16_t gain;   // is not used
+  uint16_t level;  // is not used
   uint16_t width;  // chroma bytes per row
   uint16_t rows;
   uint16_t stride;  // bytes from row to row
-  uint8_t* plane;   // first U of the strip
+  uint8_t* plane;   // points to the first U of the strip
 };
 using T_UvRunSmoothParam = tagT_UvRunSmoothParam;
 

@@ -1,8 +1,12 @@
-/* libmmcamera_zavricustpro: post-processing of 8-bit YUV 4:2:0 semi-planar camera frames.
+/* libmmcamera_zavricustpro post-processes 8-bit YUV 4:2:0 semi-planar camera frames.
  *
- * C11 and C++17. A frame is a luma plane (one byte per pixel) and a chroma plane of interleaved
- * (U, V) byte pairs, one pair per 2x2 block of luma. The caller owns every frame and record; the
- * library writes only where a function says so. No exception crosses this interface.
+ * The header serves C11 and C++17. A frame is a luma plane of one byte per pixel and a chroma plane
+ * of interleaved (U, V) byte pairs, one pair per 2x2 block of luma. The caller owns every frame and
+ * record; the library writes only where a function says so.
+ *
+ * The library itself throws nothing. Only where there is no memory for the thread pool or the tasks
+ * of a call, the C++ library's std::bad_alloc leaves it while the processing lock is held: let it
+ * end the process, because every later heavy operation would wait for that lock.
  */
 #ifndef ZAVRICUSTPRO_H_
 #define ZAVRICUSTPRO_H_

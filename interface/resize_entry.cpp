@@ -28,7 +28,8 @@ bool is_enlargement(const T_ResizeParam& p) {
   return p.src_width <= p.dst_width && p.src_height <= p.dst_height && p.src_stride <= p.dst_stride;
 }
 
-// Luma rows of strips 0..2, even so that chroma rows are whole; strip 3 has what is left.
+// Strips 0..2 have this many luma rows, an even number, so that their chroma rows are whole; strip
+// 3 has what is left.
 uint32_t strip_rows(uint32_t height) {
   const uint32_t quarter = height / 4;
   return quarter + quarter % 2;
@@ -42,7 +43,7 @@ void fill_strips(const T_ResizeParam& param, T_ResizeParam (&strips)[kZavriStrip
   for (uint32_t k = 0; k < kZavriStrips; ++k) {
     T_ResizeParam& strip = strips[k];
     strip = param;
-    // Three strips of a height of 4 or 5 are higher than the frame: the rest wraps around.
+    // At a height of 4 three strips have 6 rows: the last one's -2 wraps around to 65534.
     const bool last = k == kLastStrip;
     strip.src_height =
         static_cast<uint16_t>(last ? param.src_height - kLastStrip * src_rows : src_rows);

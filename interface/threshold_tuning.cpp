@@ -15,8 +15,9 @@ struct ScalePoint {
 constexpr ScalePoint kScaleCurve[] = {{1, 0},   {3, 30},  {5, 45},  {8, 75},
                                       {13, 85}, {16, 90}, {20, 100}};
 
-// Between (x0, y0) and (x1, y1), x0 <= x < x1. Each product is truncated on its own, which makes
-// the curves slightly non-monotone; tuned devices rely on these values.
+// Returns the value at x, x0 <= x < x1, of the line from (x0, y0) to (x1, y1). Each quotient is
+// truncated on its own, which makes the curves slightly non-monotone: the built-in one is 16 at a
+// gain of 15 and 15 at 16. Tuned devices rely on these values.
 int interpolate(int x, int x0, int y0, int x1, int y1) {
   return (x - x0) * y1 / (x1 - x0) + (x1 - x) * y0 / (x1 - x0);
 }

@@ -6,14 +6,14 @@
 
 namespace zavri {
 
-// The threshold for a sensor gain: `requested` itself when it is 1..100, otherwise the curve
-// `table`[0, count) at `gain`, or the built-in curve when there is none. Below the first point the
-// curve runs through the origin, from the last point on it stays level.
+// Returns the threshold for a sensor gain: `requested` itself when it is 1..100, otherwise the
+// curve `table`[0, count) at `gain`, or the built-in curve when there is none. Below the first
+// point the curve runs through the origin, from the last point on it stays level.
 uint8_t tune_threshold(uint8_t requested, uint8_t gain, const T_GainThreshPoint* table,
                        uint8_t count);
 
-// `threshold` times the percentage for a frame of width x height pixels: 0 up to one megapixel,
-// all of it from 20 megapixels on.
+// Returns `threshold` times the percentage for a frame of width x height pixels: 0 up to one
+// megapixel, all of it from 20 megapixels on.
 uint8_t scale_threshold(uint8_t threshold, uint32_t width, uint32_t height);
 
 }  // namespace zavri

@@ -28,13 +28,13 @@ void scale(uint16_t mode, const ScalePlane& p) {
   }
 }
 
-// Pairs of a chroma plane of whole rows, padding included.
+// Returns the pairs in whole rows of a chroma plane, padding included.
 uint32_t pairs_of(uint32_t stride, uint32_t luma_rows) { return stride * luma_rows / 4; }
 
 void resize(const T_ResizeParam& p) {
   const uint32_t src_pairs = pairs_of(p.src_stride, p.src_height);
   const uint32_t dst_pairs = pairs_of(p.dst_stride, p.dst_height);
-  // One byte more, so that an empty strip has channels too.
+  // An empty strip has channels, too: hence one byte more.
   const auto allocate = [](uint32_t pairs) {
     return static_cast<uint8_t*>(malloc(size_t{pairs} + 1));
   };
@@ -56,8 +56,8 @@ void resize(const T_ResizeParam& p) {
   scale(p.scale_mode, channel(src_a, dst_a));
   scale(p.scale_mode, channel(src_b, dst_b));
 
-  // Under an unknown mode nothing has been written to the channels: what chroma then is, is not
-  // defined, and callers get what they ask for.
+  // Under an unknown mode nothing has been written to the channels: chroma then becomes whatever
+  // the scratch held, which is what the header promises.
   channels.merge(dst_a, dst_b, dst_pairs, p.dst_uv);
 
   free(src_a);

@@ -10,7 +10,7 @@ namespace {
 
 constexpr uint8_t kBlurBorder = 1;
 
-// A row of the tile in the plane.
+// Returns where a row of the tile begins in the plane.
 uint8_t* row_in_plane(void* plane, const T_RnrTile& tile, int32_t row) {
   return static_cast<uint8_t*>(plane) +
          size_t{g_rnr_state.stride} * static_cast<size_t>(tile.y + row) + tile.x;
@@ -44,7 +44,7 @@ void zavri_mp_RNR_process_inner(const void* tile_number, void* plane) {
   const bool empty = zavri::is_empty(tile);
 
   if (!empty) zavri::copy_tile(plane, tile, buffers.tile_copy);
-  // For an empty tile as well.
+  // The Gaussian is called for an empty tile as well.
   fcvFilterGaussian5x5u8(buffers.tile_copy, static_cast<uint32_t>(tile.width),
                          static_cast<uint32_t>(tile.height), buffers.blurred, zavri::kBlurBorder);
   if (!empty) zavri::blend_tile(plane, tile, buffers);

@@ -64,7 +64,7 @@ WeightRule weight_rule(const RnrState& state) {
 uint32_t zavri_mp_RNR_init_base(uint32_t width, uint32_t height, uint32_t stride,
                                 uint32_t radius_percent, int32_t strength_percent) {
   zavri::RnrState& state = zavri::g_rnr_state;
-  // On purpose without the strength: alone it changes nothing, and is not even kept.
+  // The strength is left out on purpose: alone it changes nothing, and is not even kept.
   if (width == state.width && height == state.height && stride == state.stride &&
       radius_percent == state.radius_percent) {
     return 0;

@@ -2,7 +2,7 @@
 
 #include <cstdint>
 
-// A tile of the plane in pixels; empty where width or height is not positive.
+// A tile is counted in pixels of the plane. It is empty if its width or height is not positive.
 struct tagT_RnrTile {
   int32_t x;
   int32_t y;
@@ -13,7 +13,7 @@ using T_RnrTile = tagT_RnrTile;
 
 namespace zavri {
 
-// The outer ring of a 4x4 grid; the last column and row take the remainder.
+// The tiles are the outer ring of a 4x4 grid, whose last column and row take the remainder.
 //
 //    0  1  2  3
 //    4        5
@@ -21,16 +21,16 @@ namespace zavri {
 //    8  9 10 11
 inline constexpr uint32_t kRnrTiles = 12;
 
-// Of one tile, each width * height bytes.
+// Each tile has these buffers of width * height bytes.
 struct RnrBuffers {
   uint8_t* blur_weight;
-  uint8_t* keep_weight;  // the rest of 128; the blend takes it from blur_weight
+  uint8_t* keep_weight;  // is 128 - blur_weight; the blend computes that itself
   uint8_t* blurred;
   uint8_t* tile_copy;
 };
 
-// Written by zavri_mp_RNR_init_base alone, while no tile is worked on. All zero, and every tile
-// empty, until its first call.
+// zavri_mp_RNR_init_base alone writes the state, while no tile is worked on. Until its first call
+// all is zero, and every tile empty.
 struct RnrState {
   uint32_t width;
   uint32_t height;
@@ -39,8 +39,8 @@ struct RnrState {
   uint32_t strength_percent;
   int32_t center_x;
   int32_t center_y;
-  uint32_t full_radius;  // squared, where the blur reaches its full weight
-  bool initialised;      // there are buffers
+  uint32_t full_radius;  // the squared distance at which the blur reaches its full weight
+  bool initialised;      // tells whether there are buffers
   T_RnrTile tiles[kRnrTiles];
   RnrBuffers buffers[kRnrTiles];
 };

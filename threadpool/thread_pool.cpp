@@ -115,7 +115,7 @@ void ThreadPool::execute_thread() {
     Task* const task = task_queue.front();
     task_queue.pop_front();
     task_lock.unlock();
-    // Once it has run, its owner may have freed it.
+    // Once a task has run, its owner may have freed it.
     task->run();
   }
 }

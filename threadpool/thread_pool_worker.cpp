@@ -32,7 +32,7 @@ int ThreadPoolWorker::Work() {
   const auto count = static_cast<size_t>(std::max(task_count, 0));
   std::vector<ThreadPoolTaskInfo> infos;
   std::vector<Task> tasks;
-  // The pool keeps pointers into both, so neither may grow.
+  // The pool keeps pointers into both vectors, so neither may grow.
   infos.reserve(count);
   tasks.reserve(count);
   for (size_t i = 0; i < count; ++i) {
@@ -49,7 +49,7 @@ int ThreadPoolWorker::Work() {
 
 void ThreadPoolWorker::OneTaskFinish() {
   pthread_mutex_lock(&worker_lock);
-  // Signalled under the lock: once it is released the waiter may destroy this object.
+  // The signal is sent under the lock: once that is released, the waiter may destroy this object.
   if (--remaining <= 0) pthread_cond_signal(&worker_cond);
   pthread_mutex_unlock(&worker_lock);
 }

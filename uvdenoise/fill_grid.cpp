@@ -15,7 +15,7 @@ class Filler {
   Filler(size_t row_bytes, size_t stride)
       : kernels_(fill_row_kernels()),
         stride_(stride),
-        // Blocks that have a right neighbour.
+        // The last block has no right neighbour and is not counted.
         blocks_(row_bytes == 0 ? 0 : (row_bytes - 1) / kFillBlock),
         has_edge_(row_bytes != 0 && row_bytes % kFillBlock == 0),
         // Rows that overlap are worked block after block, others whole.

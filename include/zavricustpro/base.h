@@ -6,9 +6,8 @@
 
 #define ZAVRI_EXPORT __attribute__((visibility("default")))
 
-/* The horizontal strips, numbered from 0, into which the multi-frame denoise, the resize and the
- * chroma denoise cut a frame. Each says how many rows its strips have; the last strip takes the
- * remainder. */
+/* The multi-frame denoise, the resize and the chroma denoise cut a frame into this many horizontal
+ * strips, numbered from the top. The last strip takes the rows that a division leaves over. */
 enum { kZavriStrips = 4 };
 
 #endif /* ZAVRICUSTPRO_BASE_H_ */

@@ -1,3 +1,4 @@
+/* The chroma denoise smooths one frame's chroma where it varies little, and keeps its edges. */
 #ifndef ZAVRICUSTPRO_CHROMA_DENOISE_H_
 #define ZAVRICUSTPRO_CHROMA_DENOISE_H_
 
@@ -7,10 +8,11 @@
 extern "C" {
 #endif
 
-/* One chroma denoise, read-only for the library. A chroma plane is filtered in place in four strips
- * of q = height/4 rows, the last of which takes the rest; the caller runs them. Only every second
- * pair of every second row, counted from the strip's first, is filtered: along its row and then
- * down its column, each with a window of K such pairs. What lies between is interpolated.
+/* This record describes one chroma denoise; the library only reads it. A chroma plane is filtered
+ * in place in four strips of q = height/4 rows, the last of which takes the rest; the caller runs
+ * them. Only every second pair of every second row, counted from the strip's first, is filtered:
+ * along its row and then down its column, each with a window of K such pairs. What lies between is
+ * interpolated.
  *
  * Neither the plane's size nor its stride is checked. With r = (K - 1)/2, the last strip must have
  * at least 4*r rows (a height of at least 4*r + 3*q), width must be even and at least 60, 96, 112
@@ -23,7 +25,7 @@ extern "C" {
  * what these rows become then depends on timing; one after the other in ascending order, the result
  * is always the same. */
 typedef struct tagT_UVDenoiseParam {
-  uint32_t reserved; /* not read */
+  uint32_t reserved; /* is not read */
   uint32_t width;    /* bytes of a chroma row that hold pairs: the image's width in pixels */
   uint32_t height;   /* chroma rows */
   uint32_t stride;   /* bytes from row to row */
@@ -31,19 +33,21 @@ typedef struct tagT_UVDenoiseParam {
   int8_t kernel_size; /* K: 7, 11, 15 or 19; any other value is taken as 11 */
   int8_t threshold;   /* 0: nothing is done. A neighbour whose U and V both differ from the centre's
                          by less than this counts; below 0 none does */
-  int8_t weight_table[127]; /* by the larger of the two differences: what a neighbour counts, the
-                               centre counting 64. Only [0, threshold) is read and need exist.
-                               Weights below 0 must not let a sum of weights become 0. Fast are
-                               only tables without such weights and with n * max(d * w[d]) +
-                               (64 + n * max(w)) / 2 <= 32767, where n is 10, 15, 15 or 18 for
-                               K = 7, 11, 15 or 19; others take up to ten times as long */
+  int8_t weight_table[127]; /* a neighbour counts weight_table[d], where d is the larger of the two
+                               differences, and the centre counts 64. Only [0, threshold) is read
+                               and need exist. Weights below 0 must not let a sum of weights become
+                               0: it is divided by. Only tables without weights below 0 and with
+                               n * max(d * w[d]) + (64 + n * max(w)) / 2 <= 32767 are fast, where n
+                               is 10, 15, 15 or 18 for K = 7, 11, 15 or 19; others take up to ten
+                               times as long */
 } T_UVDenoiseParam;
 
-/* One strip, shaped as a pool task: `strip` points to the uint32_t strip number 0..3, `param` to a
- * T_UVDenoiseParam, `unused` is ignored. Does nothing when either is null. */
+/* Filters one strip, shaped as a pool task: `strip` points to the uint32_t strip number 0..3,
+ * `param` to a T_UVDenoiseParam, `unused` is ignored. Does nothing when either is null. It takes no
+ * lock and no memory. */
 ZAVRI_EXPORT void zavri_mp_UV_denoise_inner(const void* strip, const void* param, void* unused);
 
-/* The same for a fixed K, whatever kernel_size says. A threshold of 0 only interpolates. */
+/* These take a fixed K, whatever kernel_size says, and with a threshold of 0 they interpolate. */
 ZAVRI_EXPORT void zavri_mp_single_UV_denoise_new_inner_7(const void* strip, const void* param,
                                                          void* unused);
 ZAVRI_EXPORT void zavri_mp_single_UV_denoise_new_inner_11(const void* strip, const void* param,
@@ -53,19 +57,19 @@ ZAVRI_EXPORT void zavri_mp_single_UV_denoise_new_inner_15(const void* strip, con
 ZAVRI_EXPORT void zavri_mp_single_UV_denoise_new_inner_19(const void* strip, const void* param,
                                                           void* unused);
 
-/* The older form with K = 11: plain means of the neighbours whose U is less than 20 away and whose
- * V is less than 20 below the centre's (however far above). Reads neither kernel_size nor threshold
- * nor weight_table. */
+/* This older form with K = 11 takes plain means of the neighbours whose U is less than 20 away and
+ * whose V is less than 20 below the centre's (however far above). It reads neither kernel_size nor
+ * threshold nor weight_table. */
 ZAVRI_EXPORT void zavri_mp_single_UV_denoise_inner_11(const void* strip, const void* param,
                                                       void* unused);
 
 /* Does nothing and returns 0. */
 ZAVRI_EXPORT uint32_t zavri_mp_single_UV_denoise(T_UVDenoiseParam* param);
 
-/* Room: what the strips of one record may touch, for the K of its kernel_size. The fixed tolerance
- * stays within the plane's rows whatever these say. docs/memory.md derives them. */
+/* Room: how many bytes the strips of one record may touch, for the K of its kernel_size. The fixed
+ * tolerance stays within the plane's rows whatever these say. docs/memory.md derives the bounds. */
 
-/* r: how many filtered pairs a window has to either side of its centre. */
+/* This is r: a window has so many filtered pairs to either side of its centre. */
 static inline size_t zavri_room_uv_denoise_reach(const T_UVDenoiseParam* param) {
   switch (param->kernel_size) {
     case 7:
@@ -79,15 +83,15 @@ static inline size_t zavri_room_uv_denoise_reach(const T_UVDenoiseParam* param) 
   }
 }
 
-/* In bytes before uv_plane, which strip 0 reads. 0 from q = 4*r on. */
+/* Strip 0 reads this many bytes before uv_plane. They are 0 from q = 4*r on. */
 static inline size_t zavri_room_uv_denoise_before(const T_UVDenoiseParam* param) {
   const size_t window = 2 * zavri_room_uv_denoise_reach(param);
   const size_t grid_rows = param->height / kZavriStrips / 2;
   return grid_rows < window ? 2 * (window - grid_rows) * param->stride : 0;
 }
 
-/* In bytes from uv_plane on, of which strip 3 reads the last. No more than the plane's rows from
- * q = 6*r on. */
+/* Strip 3 reads up to this many bytes from uv_plane on. They are the plane's own from q = 6*r on.
+ */
 static inline size_t zavri_room_uv_denoise(const T_UVDenoiseParam* param) {
   const size_t quarter = param->height / kZavriStrips;
   const size_t last =

@@ -1,3 +1,8 @@
+/* Debug dumps write raw bytes to files under /data/misc/camera, and read them back.
+ *
+ * All run on the calling thread without a lock. Folders are never created. Files are created with
+ * mode 0777 and never truncated. What a read or write leaves undone is not reported, and nor is a
+ * file that cannot be opened. */
 #ifndef ZAVRICUSTPRO_DEBUG_DUMP_H_
 #define ZAVRICUSTPRO_DEBUG_DUMP_H_
 
@@ -7,15 +12,9 @@
 extern "C" {
 #endif
 
-/* Debug dumps: raw bytes in files under /data/misc/camera, and back.
- *
- * All run on the calling thread without a lock. Folders are never created. Files are created with
- * mode 0777 and never truncated. What a read or write leaves undone is not reported, and nor is a
- * file that cannot be opened. */
-
-/* Writes `len1` bytes of `buf1`, then `len2` bytes of `buf2`, to zvcdumpyuv/<name>, over the first
- * bytes of a file that exists. The path is cut to 63 characters. Returns 0, or 2 when a pointer is
- * null. */
+/* Writes `len1` bytes of `buf1`, then `len2` bytes of `buf2`, to zvcdumpyuv/<name>. A file that
+ * exists keeps what lies behind these bytes. The path is cut to 63 characters. Returns 0, or 2 when
+ * a pointer is null. */
 ZAVRI_EXPORT int32_t zavri_debug_dump_yuv_simple1(const uint8_t* buf1, uint32_t len1,
                                                   const uint8_t* buf2, uint32_t len2,
                                                   const char* name);
@@ -32,12 +31,13 @@ ZAVRI_EXPORT int32_t zavri_debug_dump_yuv_simple2(const uint8_t* y, uint32_t y_l
 ZAVRI_EXPORT int32_t zavri_debug_dump_fixed_yuv(const uint8_t* buf1, uint32_t len1,
                                                 const uint8_t* buf2, uint32_t len2);
 
-/* Reads them back. Returns 0; 1 when there is no such file; 2 as above. A file that is shorter
- * leaves the rest of the buffers as it was. */
+/* Reads zvcfixedyuv/0.yuv back into two buffers. Returns 0; 1 when there is no such file; 2 when a
+ * pointer is null or a length 0. A file that is shorter leaves the rest of the buffers as it was.
+ */
 ZAVRI_EXPORT int32_t zavri_debug_load_fixed_yuv(uint8_t* buf1, uint32_t len1, uint8_t* buf2,
                                                 uint32_t len2);
 
-/* One plane of a frame that is dumped: `meta_len` bytes, then `height` rows.
+/* This record describes one plane of a frame that is dumped: `meta_len` bytes, then `height` rows.
  *
  *   position  -> meta_len bytes
  *   + meta_len -> width bytes of a row, the next one `stride` bytes further, ..
@@ -50,11 +50,12 @@ typedef struct tagT_DumpPlaneInfo {
   uint32_t offset;   /* bytes */
   uint32_t stride;   /* bytes from row to row */
   uint32_t width;    /* bytes of a row that are dumped */
-  int32_t height;    /* rows; none when not above 0 */
+  int32_t height;    /* rows; below 0 there are none */
   uint32_t meta_len; /* bytes in front of the rows */
 } T_DumpPlaneInfo;
 
-/* A frame, and the name of its file, with the width and height of plane 0:
+/* This record describes a frame that is dumped and names its file, with the width and height of
+ * plane 0:
  *
  *   named_by_size == 0  zvcfixedyuvprefix_<time>_<width>x<height>_<frame_idx>_suffix.yuv
  *   otherwise           zvcfixedyuvprefix_<width>x<height>_<frame_idx>_suffix.yuv
@@ -63,8 +64,8 @@ typedef struct tagT_DumpPlaneInfo {
  * and kept for the calls after: the frames of a burst share it. */
 typedef struct tagT_DumpFrameInfo {
   uint32_t num_planes;       /* planes in use; above 8 counts as 8 */
-  T_DumpPlaneInfo planes[8]; /* the others are not read, but plane 0 names the file */
-  uint32_t reserved;         /* not read */
+  T_DumpPlaneInfo planes[8]; /* only those in use are read, but plane 0 always names the file */
+  uint32_t reserved;         /* is not read */
   uint32_t frame_idx;
   uint32_t named_by_size;
   uint32_t frame_count;

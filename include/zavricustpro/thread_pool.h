@@ -1,3 +1,4 @@
+/* The thread pool runs the strips of the heavy operations, and of a host that queues its own. */
 #ifndef ZAVRICUSTPRO_THREAD_POOL_H_
 #define ZAVRICUSTPRO_THREAD_POOL_H_
 
@@ -13,7 +14,8 @@
 extern "C" {
 #endif
 
-/* One run of a fan-out's task function: fn(pIn0, pIn1, pOut). Mind the order of the fields. */
+/* A fan-out runs its task function once for each of these, as fn(pIn0, pIn1, pOut). Mind that the
+ * fields stand in another order. */
 typedef struct tagT_ThreadPoolTaskInput {
   const void* pIn0;
   void* pOut;
@@ -28,24 +30,33 @@ class ThreadPool;
 typedef struct ThreadPool ThreadPool;
 #endif
 
-/* The process-wide pool, null before its creation, and 1 once all its threads run. Written only by
- * the two functions below. */
+/* g_threadpool is the process-wide pool, or null before its creation; g_hal_threadpool_init is 1
+ * once all its threads have been created. Only the two functions below write them. */
 extern ZAVRI_EXPORT ThreadPool* g_threadpool;
 extern ZAVRI_EXPORT int32_t g_hal_threadpool_init;
 
-/* Creates the process-wide pool of four threads unless it exists; the heavy operations call it
- * themselves. Returns 0, or -1 when a thread could not be created; the half-started pool is then
- * left behind and the next call builds a fresh one. One thread at a time may call these two, and
- * none while an operation runs. */
+/* Creates the process-wide pool of four threads unless it exists. The heavy operations call it
+ * themselves and ignore the result. One thread at a time may call this function or the next, and
+ * none while an operation runs.
+ *
+ * Returns 0, or -1 when a thread could not be created. The pool then stays with the threads that it
+ * got, and a heavy operation works its strips on those; with none it waits forever and holds the
+ * processing lock, so that all later heavy operations wait too. Until one call succeeds, each
+ * builds a fresh pool and never frees the one before.
+ *
+ * When there is no memory for the pool, or for the tasks of a fan-out, std::bad_alloc is thrown as
+ * the head of zavricustpro.h says. */
 ZAVRI_EXPORT int HALThreadPoolInit(void);
 
-/* Stops the pool, joins its threads and frees it; nothing when there is none. Returns 0. */
+/* Stops the pool, joins its threads and frees it, if g_hal_threadpool_init is 1. Tasks that are
+ * still queued are never run. Returns 0. */
 ZAVRI_EXPORT int HALThreadPoolDestroy(void);
 
-/* Thread entry: runs `pool`'s execute_thread, which does not return. */
+/* Every pool thread enters here: it runs `pool`'s execute_thread, which does not return. */
 ZAVRI_EXPORT void* start_thread(void* pool);
 
-/* Task body of a fan-out: runs the ThreadPoolTaskInfo `info` and counts it as finished. */
+/* Every task of a fan-out runs this with its ThreadPoolTaskInfo `info`, and so is counted as
+ * finished. */
 ZAVRI_EXPORT void WorkerThreadBase(void* info);
 
 #ifdef __cplusplus
@@ -54,7 +65,7 @@ ZAVRI_EXPORT void WorkerThreadBase(void* info);
 /* The classes contain containers of the C++ standard library: reach into them only from code built
  * with the same one. */
 
-/* A function and its argument. The pool never frees a task: who queues it owns it. */
+/* A task is a function and its argument. The pool never frees a task: who queues it owns it. */
 class ZAVRI_EXPORT Task {
  public:
   Task(void (*fn)(void*), void* arg);
@@ -66,7 +77,8 @@ class ZAVRI_EXPORT Task {
   void* arg;
 };
 
-/* A mutex with a flag that is set between lock and unlock; waits for a condition leave it alone. */
+/* This mutex has a flag that is set between lock and unlock; waits for a condition leave it alone.
+ */
 struct TaskLock {
   TaskLock();
   ~TaskLock();
@@ -77,7 +89,7 @@ struct TaskLock {
   std::atomic<uint8_t> locked;
 };
 
-/* Threads fed from one FIFO of tasks. */
+/* A pool feeds its threads from one FIFO of tasks. */
 class ZAVRI_EXPORT ThreadPool {
  public:
   ThreadPool(); /* 4 threads */
@@ -99,8 +111,8 @@ class ZAVRI_EXPORT ThreadPool {
   int32_t pool_state; /* 0 running, 1 stopped */
 };
 
-/* Runs one function over `count` inputs on a pool and waits for all of them. One Work per object.
- */
+/* A fan-out runs one function over `count` inputs on a pool and waits for all of them. Call Work
+ * once per object. */
 class ZAVRI_EXPORT ThreadPoolWorker {
  public:
   ThreadPoolWorker(ThreadPool* pool, int count, ThreadPoolTaskFunc fn,
@@ -121,7 +133,7 @@ class ZAVRI_EXPORT ThreadPoolWorker {
   ThreadPool* pool;
 };
 
-/* What a fan-out's task needs to run. */
+/* This is what a task of a fan-out needs to run. */
 struct ZAVRI_EXPORT ThreadPoolTaskInfo {
   ThreadPoolTaskInfo(ThreadPoolWorker* worker, ThreadPoolTaskFunc task_fn,
                      T_ThreadPoolTaskInput* task_input);
