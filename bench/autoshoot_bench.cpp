@@ -1,5 +1,5 @@
-// The auto-shoot measures of the largest rectangle of a luma plane, in every build that runs here.
-// One thread.
+// Times the auto-shoot measures of the largest rectangle of a luma plane, in every build that runs
+// here, on one thread.
 #include <benchmark/benchmark.h>
 
 #include <memory>
@@ -27,7 +27,7 @@ struct Plane {
 struct Measure {
   const char* name;
   uint32_t (*run)(const uint8_t* luma, const T_OptRect* rect, uint32_t width, uint32_t height);
-  int passes;  // over the plane, that cannot be one
+  int passes;  // how often the plane must be read
   Expectation expectation;
 };
 

@@ -1,4 +1,4 @@
-// The composition: its row kernels, and the whole call beside libyuv where that is installed.
+// Times the composition: its row kernels, and the whole call beside libyuv where that is installed.
 #include <cstring>
 #include <memory>
 #include <string>
@@ -17,8 +17,8 @@
 namespace zavri::bench {
 namespace {
 
-// As many rows as 1920x1080 has below one another, but a few of them again and again: they stay in
-// the nearest cache. Of the whole frame, memory would be most of the time.
+// As many rows as the picture of 1920x1080 has are decimated, but a few of them again and again:
+// they stay in the nearest cache. Of the whole frame, memory would be most of the time.
 constexpr size_t kRowBytes = 1920;
 constexpr size_t kRows = 540;
 constexpr size_t kCachedRows = 8;
@@ -62,7 +62,7 @@ struct Frames {
 };
 
 #ifdef ZAVRI_BENCH_LIBYUV
-// The same picture but for the columns: of each two, libyuv takes the second.
+// Makes the same picture but for the columns: of each two, libyuv takes the second.
 void compose_with_libyuv(const T_ComposeParam& param) {
   const int width = param.width;
   const int used = width - param.padding;

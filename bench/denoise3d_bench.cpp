@@ -1,4 +1,4 @@
-// The row kernels of the multi-frame denoise on 1920x1080, in every build that runs here.
+// Times the row kernels of the multi-frame denoise on 1920x1080, in every build that runs here.
 #include <benchmark/benchmark.h>
 
 #include <chrono>

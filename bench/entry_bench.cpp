@@ -1,4 +1,4 @@
-// The exported entry as a whole, on one and on two processors, and what its pool costs.
+// Times the multi-frame denoise as a whole, on one and on two processors, and what its pool costs.
 #include <benchmark/benchmark.h>
 
 #include <chrono>
@@ -12,7 +12,7 @@
 #include "bench/workload.h"
 #include "include/zavricustpro.h"
 
-// The entry's log lines are no part of the measure.
+// Log lines are dropped, so that they are no part of the measure.
 extern "C" int __android_log_print(int, const char*, const char*, ...) { return 0; }
 
 namespace zavri::bench {
@@ -30,11 +30,11 @@ constexpr Mode kModes[] = {
     {"chroma", 0, 0, 0, 0}, {"whole_smooth", 1, 0, 0, 1},
 };
 
-// A burst in the layout of the entry, with the room that every mode needs.
+// Holds a burst in the layout of the entry, with the room that every mode needs.
 struct Frames {
   T_3DYuvDenoiseParam param{};
   Bytes frames[4];
-  Bytes pristine;  // the reference
+  Bytes pristine;  // is the reference before it is denoised
 
   Frames(int width, int height) {
     const Burst burst(width, height, Noise::kHard);
@@ -42,7 +42,7 @@ struct Frames {
     param.width = static_cast<uint32_t>(width);
     param.height = static_cast<uint32_t>(height);
     param.y_stride = param.uv_stride = param.width;
-    // The record of kModes that needs most.
+    // Of kModes this record needs most room.
     T_3DYuvDenoiseParam widest = param;
     widest.frame_num = 3;
     widest.switch_b = widest.switch_d = 1;

@@ -9,7 +9,7 @@ int main(int argc, char** argv) {
   benchmark::Initialize(&argc, argv);
   if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 2;
 #ifdef ZAVRI_BENCH_OPENCV
-  // Threads are the benchmarks' own. To be said once: it is no function for several threads.
+  // The benchmarks have their own threads. This stands here because it is no function for several.
   cv::setNumThreads(1);
 #endif
   zavri::bench::Summary summary;

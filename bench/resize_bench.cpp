@@ -1,5 +1,5 @@
-// The resize and its portable scaler, 1920x1080 to 3840x2160, beside the libraries that an engineer
-// would reach for otherwise.
+// Times the resize and its portable scaler, 1920x1080 to 3840x2160, beside the libraries that an
+// engineer would reach for otherwise.
 #include <benchmark/benchmark.h>
 
 #include <cstdlib>
@@ -29,7 +29,7 @@ constexpr uint16_t kBilinear = 1;
 constexpr Expectation kAsFastAsPeer = {0, 0, 0, 0, 1.0};
 constexpr Expectation kOnceAndAHalfAsFast = {0, 0, 0, 0, 1 / 1.5};
 
-// Source and destination, chroma interleaved for the entry and in two planes for the scaler alone.
+// Holds source and destination. Chroma is interleaved for the entry, and two planes for the scaler.
 struct Frames {
   T_ResizeParam param{};
   Bytes source;
@@ -50,8 +50,8 @@ struct Frames {
 };
 
 // What the scratch of a strip costs depends on whether the C library gives freed memory back to the
-// system, to fetch it anew, page by page, for the next call. It does not once a block of a frame's
-// size has been freed, as any process that handles frames has done.
+// system and fetches it anew, page by page, for the next call. Once a block of a frame's size has
+// been freed it keeps such memory; any process that handles frames has done that.
 void free_a_frame() {
   void* volatile frame = malloc(16 << 20);
   free(frame);
@@ -69,7 +69,7 @@ void add(const std::string& name, int processors, Work work) {
       ->Unit(benchmark::kMicrosecond);
 }
 
-// One strip of a frame in the peers' hands.
+// Places one strip of a frame for the peers.
 struct Strip {
   const uint8_t *src_y, *src_uv;
   uint8_t *dst_y, *dst_uv;
@@ -101,7 +101,7 @@ cv::Mat plane(const uint8_t* data, int width, int rows) {
   return cv::Mat(rows, width, CV_8U, const_cast<uint8_t*>(data));
 }
 
-// On the planes that the scaler gets: luma, and two of chroma.
+// Works on the planes that the scaler gets: luma, and two of chroma.
 void peer_poly(const void* number, const void* param, void*) {
   const auto& p = *static_cast<const T_ResizeParam*>(param);
   const Strip s(number, p);
@@ -133,7 +133,7 @@ void gaussian(const void* number, const void* param, void*) {
   fcvFilterGaussian5x5u8(s.src_y, p.src_width, static_cast<uint32_t>(s.src_rows), s.dst_y, 1);
 }
 
-// The three planes of a frame through the scaler, without the resize around it.
+// Scales the three planes of a frame without the resize around the scaler.
 void scale_planes(const T_ResizeParam& p, uint16_t mode) {
   const auto scale = [mode](const uint8_t* from, uint32_t w, uint32_t h, uint8_t* to, uint32_t dw,
                             uint32_t dh) {
@@ -174,7 +174,7 @@ void add_gaussian(const std::shared_ptr<Frames>& frames, ThreadPoolTaskFunc peer
   }
 }
 
-// In every build; the work of one strip after the other.
+// Times the work in every build, one strip after the other.
 template <class Work>
 void add_builds(const std::string& group, ThreadPoolTaskFunc peer,
                 const std::shared_ptr<Frames>& frames, Work work) {

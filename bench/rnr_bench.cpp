@@ -1,5 +1,5 @@
-// The radial noise reduction: its row kernels, and all tiles of a luma plane beside OpenCV and
-// libyuv where those are installed. One thread.
+// Times the radial noise reduction on one thread: its row kernels, and all tiles of a luma plane
+// beside OpenCV and libyuv where those are installed.
 #include <memory>
 #include <string>
 
@@ -22,7 +22,7 @@
 namespace zavri::bench {
 namespace {
 
-// A tile of 1920x1080, but one row of it again and again: it stays in the nearest cache.
+// The kernels work one row of a tile of 1920x1080 again and again: it stays in the nearest cache.
 constexpr int kTileWidth = 480;
 constexpr int kTileHeight = 270;
 
@@ -33,7 +33,7 @@ struct Rows {
   Bytes keep = Bytes(kTileWidth);
   Bytes to = Bytes(kTileWidth);
 
-  // The weights of row y of the upper left tile of 1920x1080 at a radius of 100 %.
+  // Fills the weights of row y of the upper left tile of 1920x1080 at a radius of 100 %.
   void weigh(WeighFunction function, int y) {
     constexpr WeightRule kRule = {269 * 269, 960 * 960 + 540 * 540 - 269 * 269, 100};
     function(weight.data(), keep.data(), kTileWidth, -960, y - 540, kRule);
@@ -81,7 +81,7 @@ void add_peer(const std::string& name, int width, int height) {
 }
 #endif
 
-// The bytes of the three steps, each for the whole tile.
+// Touches the bytes of the three steps, each for the whole tile.
 void touch_tile(uint8_t* plane, size_t stride, uint32_t k) {
   const T_RnrTile& tile = g_rnr_state.tiles[k];
   const RnrBuffers& buffers = g_rnr_state.buffers[k];

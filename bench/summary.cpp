@@ -16,14 +16,14 @@ double median(std::vector<double> values) {
   return values[values.size() / 2];
 }
 
-// Groups in the order of their names, variants by name.
+// The map orders groups and variants by name.
 using Groups = std::map<std::string, std::map<std::string, double>>;
 
 const char* verdict(bool met) { return met ? "ok" : "MISSED"; }
 
-// Floors that are not strict are met within the noise of a shared machine. Where the plain rule's
-// branches are easy to predict no kernel reaches them, because touching the bytes takes that long
-// already.
+// A floor that is not strict counts as met at 80 % of it, for the noise of a shared machine. Where
+// the plain rule's branches are easy to predict no kernel reaches its floor: it counts as bound by
+// memory if it takes at most 1.6 times as long as touching the bytes.
 const char* floor_verdict(double speed_up, double floor, bool strict, double over_touch) {
   constexpr double kNoise = 0.8;
   constexpr double kMemoryBound = 1.6;

@@ -8,18 +8,18 @@
 
 namespace zavri::bench {
 
-// What is expected of a group, as ratios of figures of one run; 0 expects nothing.
+// Says what is expected of a group, as ratios of figures of one run; 0 expects nothing.
 struct Expectation {
-  double floor16 = 0;        // speed-up over the plain rule, with 16-byte vectors
-  double floor32 = 0;        // and with 32-byte ones
-  double most_of_touch = 0;  // longest time over a loop that only touches the same bytes
-  double most_seconds = 0;   // longest time as such
-  double most_of_peer = 0;   // longest time over another library that does the same
+  double floor16 = 0;        // least speed-up over the plain rule, with 16-byte vectors
+  double floor32 = 0;        // least speed-up over the plain rule, with 32-byte vectors
+  double most_of_touch = 0;  // longest time, divided by that of a loop that only touches the bytes
+  double most_seconds = 0;   // longest time in seconds
+  double most_of_peer = 0;   // longest time, divided by that of another library for the same work
   bool strict = false;       // floors are met without allowance
 };
 
-// The console's lines, and at the end a table of ratios. Benchmarks are named group/variant; the
-// variants "plain", "touch" and "peer" are what the others of their group are compared with.
+// Prints the console's lines, and at the end a table of ratios. Benchmarks are named group/variant;
+// the variants "plain", "touch" and "peer" are what the others of their group are compared with.
 class Summary : public benchmark::ConsoleReporter {
  public:
   static void expect(const std::string& group, const Expectation& expectation);
@@ -28,7 +28,8 @@ class Summary : public benchmark::ConsoleReporter {
   void Finalize() override;
 
  private:
-  std::map<std::string, std::vector<double>> seconds_;  // by name, one a repetition
+  std::map<std::string, std::vector<double>>
+      seconds_;  // the key is a name, each repetition one value
 };
 
 }  // namespace zavri::bench

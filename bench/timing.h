@@ -6,7 +6,7 @@
 
 namespace zavri::bench {
 
-// A benchmark of work whose time does not depend on what it did before.
+// Registers a benchmark of work whose time does not depend on what it did before.
 template <class Body>
 void add_benchmark(const std::string& name, Body body) {
   benchmark::RegisterBenchmark(name.c_str(), body)->UseRealTime()->Unit(benchmark::kMicrosecond);

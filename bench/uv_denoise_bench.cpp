@@ -1,5 +1,5 @@
-// The chroma denoise: each pass of its windows, the fill step, and whole planes, in every build and
-// beside a linear blur of the same width where OpenCV is installed. One thread.
+// Times the chroma denoise on one thread: each pass of its windows, the fill step, and whole
+// planes, in every build and beside a linear blur of the same width where OpenCV is installed.
 #include <benchmark/benchmark.h>
 
 #include <chrono>
@@ -34,8 +34,8 @@ struct Plane {
 };
 using SharedPlane = std::shared_ptr<Plane>;
 
-// Tiles that are wider than every window with hardly any noise, or noise that lets about half of
-// the neighbours count, and no predictor knows which.
+// The smooth plane has tiles wider than every window and hardly any noise. On the hard one noise
+// lets about half of the neighbours count, and no predictor knows which.
 SharedPlane smooth_plane(int width, int rows) {
   return std::make_shared<Plane>(width, rows, run_plane(width, rows, Runs::kLong));
 }
@@ -68,7 +68,7 @@ void add_builds(const std::string& group, const SharedPlane& plane, Work work) {
   }
 }
 
-// Weights that fall from `level` towards 0 at a threshold.
+// These weights fall from `level` towards 0 at a threshold.
 struct Falling {
   int threshold;
   int level;
@@ -79,7 +79,7 @@ struct Falling {
 };
 constexpr Falling kUsual = {16, 96};
 constexpr Falling kFarReaching = {64, 96};
-// Too heavy for sums of 16 bits: all builds take the plain rule.
+// These weights are too heavy for sums of 16 bits: all builds take the plain rule.
 constexpr Falling kTooHeavy = {127, 127};
 
 struct Window {

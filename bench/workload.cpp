@@ -5,7 +5,7 @@
 namespace zavri::bench {
 namespace {
 
-// A value for each tile that looks random but is the same in every frame.
+// Returns a value for each tile that looks random but is the same in every frame.
 uint32_t tile_value(uint32_t x, uint32_t y, uint32_t seed) {
   uint32_t h = x * 73856093u ^ y * 19349663u ^ seed * 83492791u;
   h ^= h >> 13;

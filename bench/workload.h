@@ -8,12 +8,13 @@ namespace zavri::bench {
 using Bytes = std::vector<uint8_t>;
 
 enum class Noise {
-  kNear,  // frames a few levels apart: all pairs agree within kThreshold
+  kNear,  // the frames are a few levels apart: all pairs agree within kThreshold
   kHard,  // about a third of the pairs agree, and no branch predictor knows which
 };
 inline constexpr int kThreshold = 10;
 
-// Four captures of one scene: luma and chroma planes without padding, in tiles of 24 samples.
+// A burst is four captures of one scene: luma and chroma planes without padding, in tiles of 24
+// samples.
 struct Burst {
   int width;
   int height;
@@ -24,14 +25,14 @@ struct Burst {
 };
 
 enum class Runs {
-  kLong,   // tiles of 100 pairs, hardly any noise
-  kShort,  // tiles of 6 pairs with texture
+  kLong,   // the tiles have 100 pairs and hardly any noise
+  kShort,  // the tiles have 6 pairs and texture
 };
 
-// A chroma plane of width x height bytes.
+// Makes a chroma plane of width x height bytes.
 Bytes run_plane(int width, int height, Runs runs);
 
-// Restores the bytes that an operation in place has changed. Called outside the timed region.
+// Restores the bytes that an operation in place has changed; no time is measured meanwhile.
 inline void restore(Bytes& bytes, const Bytes& from) { bytes = from; }
 
 }  // namespace zavri::bench

@@ -1,5 +1,5 @@
-// The multi-frame denoise on records of every shape. The frames have exactly the room that
-// zavricustpro.h asks for, so that the address sanitizer sees the first byte outside.
+// Fuzzes the multi-frame denoise with records of every shape. The frames have exactly the room that
+// the header asks for, so that the address sanitizer sees the first byte outside.
 #if __has_include(<sanitizer/asan_interface.h>)
 #include <sanitizer/asan_interface.h>
 #else
@@ -86,7 +86,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   Input input(data, size);
   T_3DYuvDenoiseParam p = read_record(input);
   const size_t luma = zavri_room_denoise_luma(&p);
-  // The chroma plane directly behind the luma plane, or behind a stretch that nothing touches.
+  // The chroma plane lies directly behind the luma plane, or behind a stretch that nothing touches.
   const bool apart = input.flag() || !kSharedBytes;
   p.uv_offset =
       static_cast<uint32_t>(apart ? luma + 32 + input.below(32) : size_t{p.y_stride} * p.height);
@@ -100,7 +100,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     fill(frames[k].get(), bytes, state + k, spread);
     p.frame_y[k] = frames[k].get();
     if (!apart) continue;
-    // Up to the chroma plane's first 8 bytes, the sanitizer's granule.
+    // The stretch is poisoned in granules of 8 bytes: none that the chroma plane has a part of.
     const size_t gap = (p.uv_offset - luma) & ~size_t{7};
     ASAN_POISON_MEMORY_REGION(frames[k].get() + luma, gap);
   }

@@ -8,7 +8,7 @@
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size);
 
-// Sanitizers that are linked offer it.
+// A sanitizer that is linked defines this function.
 extern "C" __attribute__((weak)) void __sanitizer_set_death_callback(void (*callback)());
 
 namespace {
@@ -32,7 +32,7 @@ int main(int argc, char** argv) {
   std::vector<uint8_t> input(64);
   for (g_seed = first; g_seed < first + count; ++g_seed) {
     std::minstd_rand random(static_cast<uint32_t>(g_seed));
-    random.discard(3);  // neighbouring seeds start alike
+    random.discard(3);  // neighbouring seeds would start alike
     for (uint8_t& byte : input) byte = static_cast<uint8_t>(random() >> 16);
     LLVMFuzzerTestOneInput(input.data(), input.size());
   }

@@ -1,5 +1,5 @@
-// The chroma denoise on planes of every shape that the header admits, in every build. The memory
-// ends where zavricustpro.h says that the strips stop reading.
+// Fuzzes the chroma denoise with planes of every shape that the header admits, in every build. The
+// memory ends where the header says that the strips stop reading.
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
@@ -28,7 +28,7 @@ constexpr Filter kFilters[] = {{zavri_mp_single_UV_denoise_new_inner_7, 3, 15, t
                                {zavri_mp_single_UV_denoise_new_inner_19, 9, 32, true},
                                {zavri_mp_single_UV_denoise_inner_11, 5, 10, false}};
 
-// Whether the last strip has as many grid rows as its borders take.
+// Tells whether the last strip has as many grid rows as its borders take.
 bool admits(uint32_t height, const Filter& filter) {
   return (height - 3 * (height / 4)) / 2 >= 2 * filter.reach;
 }
@@ -46,7 +46,7 @@ class Input {
   const uint8_t* end_;
 };
 
-// Bytes before the plane, and from its first on, that the strips may touch.
+// The strips may touch these bytes before the plane and from its first on.
 struct Room {
   size_t before;
   size_t plane;

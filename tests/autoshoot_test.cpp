@@ -16,7 +16,7 @@ TEST(AutoShoot, RowSumsOfEveryBuildEqualThePlainRule) {
   Random random(1);
   for (size_t width = 0; width <= kLongest; ++width) {
     for (const Style style : kStyles) {
-      // Exactly as long as the sums may read.
+      // The plane is exactly as long as the sums may read.
       const std::vector<uint8_t> a = samples(random, style, width);
       const std::vector<uint8_t> b = samples(random, style, width);
       const auto mean = static_cast<uint8_t>(random());
@@ -37,7 +37,7 @@ TEST(AutoShoot, RowSumsOfEveryBuildEqualThePlainRule) {
   }
 }
 
-// How many of the four measures find something.
+// Counts the measures, of four, that find something.
 int measures_above_zero(const uint8_t* luma, const T_OptRect& rect, uint32_t width,
                         uint32_t height) {
   zavri_auto_shoot_opt_set_FV_rect(&rect);
@@ -80,10 +80,10 @@ TEST(AutoShoot, GroupsOfTheFocusValueDrift) {
   } kCases[] = {
       {20, 8, 4 * 20 - 1, 200},
       {20, 8, 5 * 20 - 1, 200},
-      {20, 7, 4 * 20 - 1, 0},                      // no second group
-      {20, 12, 8 * 20 - 2, 200},                   // two columns further left
+      {20, 7, 4 * 20 - 1, 0},                      // there is no second group
+      {20, 12, 8 * 20 - 2, 200},                   // group 2 begins two columns further left
       {16400, 8, 1 + 4 * 16400 - 2 - 65536, 200},  // jumps are cut to 16 bits
-      {3, 4 * 65537, 3 * 4 - 1, 0},                // and so is the count of groups, here to one
+      {3, 4 * 65537, 3 * 4 - 1, 0},                // the count of groups is cut too, here to one
       {3, 4 * 65537, 3 * (4 * 65537 - 1), 200},    // the last row of a tall rectangle counts, too
   };
   for (const auto& c : kCases) {

@@ -9,7 +9,7 @@ namespace {
 
 using Bytes = std::vector<uint8_t>;
 
-// `call` in every build must leave the bytes that the plain rule leaves.
+// Runs `call` in every build, which must leave the bytes that the plain rule leaves.
 template <class Call>
 void expect_same(const Bytes& before, Call call) {
   Bytes expected = before;
@@ -21,10 +21,10 @@ void expect_same(const Bytes& before, Call call) {
   }
 }
 
-// A single run as long as the plane: the mean of every run length, with the sums at both ends of
-// what the tolerance lets through.
+// One run is as long as the plane: this tries the mean of every run length, with the sums at both
+// ends of what the tolerance lets through.
 TEST(ChromaRuns, MeansAreExactForEveryRunLength) {
-  constexpr size_t kColumns = 16;  // pairs; one vector of 32 bytes
+  constexpr size_t kColumns = 16;  // pairs, which fill one vector of 32 bytes
   constexpr size_t kTallest = 1710;
   for (const int step : {-19, 19, 1}) {
     for (size_t pairs = 2; pairs <= kTallest; pairs += pairs < 300 ? 1 : 23) {

@@ -11,7 +11,7 @@
 namespace zavri::testing {
 namespace {
 
-// A plane with room on all sides for whatever a pass reaches.
+// This plane has room on all sides for whatever a pass reaches.
 struct Plane {
   std::vector<uint8_t> bytes;
   size_t start;
@@ -39,7 +39,7 @@ std::ostream& operator<<(std::ostream& out, const Plane& plane) {
              << plane.grid.row_step << " bytes apart";
 }
 
-// Runs one pass in every build; all must leave the bytes that the plain rule leaves.
+// Runs one pass in every build, which must leave the bytes that the plain rule leaves.
 template <class Run>
 void expect_same(const Plane& plane, Run run) {
   std::vector<uint8_t> expected = plane.bytes;
@@ -71,8 +71,8 @@ void expect_same_passes(const Plane& plane, const Weights& weights, const Taps& 
 
 constexpr Taps kAllTaps[] = {kTaps7, kTaps11, kTaps15, kTaps19};
 
-// Row steps below a row's length let lines touch each other: they must then be filtered one after
-// the other.
+// With a row step below a row's length lines touch each other, and must be filtered one after the
+// other.
 TEST(ChromaWindow, TouchingLinesFollowTheOrderOfTheRule) {
   Random random(3);
   Weights weights{};
@@ -86,8 +86,8 @@ TEST(ChromaWindow, TouchingLinesFollowTheOrderOfTheRule) {
   }
 }
 
-// The sums' range: a single weight w at distance d, as heavy as the vector form takes it and one
-// heavier, on lines that are nothing but steps of d up and down.
+// A single weight at distance d is as heavy as the vector form takes it, and then one heavier, on
+// lines that are nothing but steps of d up and down: the sums reach the end of their range.
 TEST(ChromaWindow, HeaviestWeightsStayWithinTheSums) {
   Random random(4);
   for (const Taps& taps : kAllTaps) {

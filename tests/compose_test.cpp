@@ -23,7 +23,7 @@ std::vector<LogLine> done_lines(int width, int height) {
           {2, "Defog", "KADRO::compose end"}};
 }
 
-// Every start and length about the vector lengths, and every distance at which the rows overlap.
+// Tries every start and length about the vector lengths, and every distance at which rows overlap.
 TEST(Decimate, EveryBuildEqualsThePlainRule) {
   constexpr size_t kLongest = 3 * 32 + 2;
   Random random(1);
@@ -49,7 +49,7 @@ TEST(Decimate, EveryBuildEqualsThePlainRule) {
   }
 }
 
-// The picture, sample by sample, with positions that run on from row to row.
+// Draws the picture sample by sample, with positions that run on from row to row.
 void naive_fill(const T_ComposeParam& param, uint32_t mode, uint8_t* scratch) {
   const int width = param.width;
   const int used = width - param.padding;
@@ -63,7 +63,7 @@ void naive_fill(const T_ComposeParam& param, uint32_t mode, uint8_t* scratch) {
 
   const uint8_t* const frames[] = {param.src_frame1, param.src_frame2};
   const int frame_columns[] = {left, left + span + middle};
-  // Both return where the position stands afterwards.
+  // Returns where the position stands after the row, as the next function does.
   const auto write_row = [&](int to, int from, int sample, uint8_t black) {
     const int right_column = frame_columns[1] + (bands_only ? span : 2 * steps);
     for (int i = 0; i < left; ++i) scratch[to + i] = black;
@@ -141,7 +141,7 @@ TEST(Compose, EveryFillPlacesBandsAndFrames) {
   }
 }
 
-// The output that the naive picture makes, from the output before.
+// Returns what `before`, the output before the call, becomes with the naive picture.
 Bytes naive_output(const T_ComposeParam& param, const Bytes& before) {
   const size_t pixels = static_cast<size_t>(param.width) * param.height;
   Bytes scratch(pixels * 3 / 4);
@@ -161,7 +161,7 @@ struct Shape {
   int height;
   int padding;
 };
-// The last ones leave bytes out: sizes that are no multiples, rows that slide, no row at all.
+// The last shapes leave bytes out: sizes are no multiples, rows slide, or there is no row at all.
 constexpr Shape kShapes[] = {{36, 8, 36}, {20, 4, 8}, {66, 12, 0}, {66, 10, 4},
                              {37, 8, 5},  {31, 9, 0}, {24, 3, 8}};
 

@@ -1,4 +1,4 @@
-// A host that declares the pool's free functions itself, without extern "C".
+// This is a host that declares the pool's free functions itself, without extern "C".
 int HALThreadPoolInit();
 int HALThreadPoolDestroy();
 void WorkerThreadBase(void* info);

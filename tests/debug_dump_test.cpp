@@ -26,10 +26,10 @@ constexpr char kCameraFolder[] = "/data/misc/camera/";
 struct Phone {
   fs::path folder = fs::temp_directory_path() / ("zavri_dumps" + std::to_string(getpid()));
   time_t now = 1000;
-  std::optional<int> open_result;  // of every open, which then opens nothing
-  size_t most_bytes = SIZE_MAX;    // of one write
+  std::optional<int> open_result;  // every open returns this, if set, and opens nothing
+  size_t most_bytes = SIZE_MAX;    // one write takes no more
   int opens = 0;
-  std::vector<int> flags;  // of every open
+  std::vector<int> flags;  // every open adds its own
   int reads = 0;
   int writes = 0;
   int closes = 0;
@@ -93,7 +93,7 @@ namespace {
 
 using Bytes = std::vector<uint8_t>;
 
-// 0, 1, 2 ..
+// Returns 0, 1, 2 ..
 Bytes counting(size_t size) {
   Bytes bytes(size);
   std::iota(bytes.begin(), bytes.end(), uint8_t{0});
@@ -135,7 +135,7 @@ TEST_F(DebugDump, NamedDumpsHoldTheirBuffers) {
   EXPECT_EQ(zavri_debug_dump_yuv_simple2(kA.data(), 3, kA.data(), 0, kB.data(), 0, "luma"), 0);
   EXPECT_EQ(content("zvcdumpyuv/luma"), kA);
 
-  // 63 characters of the whole path, 29 of which are the folder's.
+  // The whole path has 63 characters, 29 of which are the folder's.
   const std::string name(70, 'n');
   EXPECT_EQ(zavri_debug_dump_yuv_simple1(kA.data(), 3, kB.data(), 2, name.c_str()), 0);
   EXPECT_EQ(content("zvcdumpyuv/" + name.substr(0, 63 - 29)), (Bytes{1, 2, 3, 4, 5}));
@@ -187,7 +187,7 @@ TEST_F(DebugDump, FixedDumpIsWrittenOnceAndLoadedAsOftenAsWanted) {
   EXPECT_EQ(content("zvcfixedyuv/0.yuv"), (Bytes{1, 2, 3, 4, 5}));
 
   Bytes first(4, 77);
-  Bytes second(3, 77);  // longer than what is left of the file
+  Bytes second(3, 77);  // is longer than what is left of the file
   EXPECT_EQ(zavri_debug_load_fixed_yuv(first.data(), 4, second.data(), 3), 0);
   EXPECT_EQ(first, (Bytes{1, 2, 3, 4}));
   EXPECT_EQ(second, (Bytes{5, 77, 77}));
@@ -231,8 +231,8 @@ TEST_F(DebugDump, FramesOfABurstShareTheTimeOfItsFirst) {
   }
 }
 
-// Three planes with strides, bytes in front, and the placement of the third behind the second's
-// length alone.
+// The three planes have strides and bytes in front; the third is placed by the second's length
+// alone.
 TEST_F(DebugDump, FramesComeBackWhereTheyWere) {
   T_DumpFrameInfo info = small_frame(0, 1, true);
   info.num_planes = 3;
@@ -256,7 +256,7 @@ TEST_F(DebugDump, FramesComeBackWhereTheyWere) {
   EXPECT_EQ(phone_.flags, (std::vector<int>{O_RDWR | O_CREAT, O_RDWR | O_CREAT}));
   EXPECT_EQ(phone_.closes, 2);
 
-  // Eight planes of one byte, and never a ninth; negative heights have no rows.
+  // Eight planes of one byte are written, and never a ninth; negative heights have no rows.
   info.num_planes = UINT32_MAX;
   for (T_DumpPlaneInfo& plane : info.planes) plane = {1, 0, 1, 1, 1, 0};
   info.planes[4].height = -1;
@@ -285,7 +285,7 @@ TEST_F(DebugDump, NothingIsOverwrittenAndNothingMissingIsRead) {
   EXPECT_EQ(take_log(),
             std::vector<LogLine>{error_line("[ZavriDebug] night shot dump yuv, file exist")});
   EXPECT_EQ(content("zvcfixedyuvprefix_4x1_3_suffix.yuv"), frame);
-  loadYuv(frame.data(), small_frame(3, 9, false));  // not by time
+  loadYuv(frame.data(), small_frame(3, 9, false));  // named by time: not loaded
   EXPECT_EQ(phone_.opens, 1);
   EXPECT_EQ(take_log(), std::vector<LogLine>());
 }
@@ -304,7 +304,7 @@ TEST_F(DebugDump, FailuresAndShortWritesAreIgnored) {
     EXPECT_EQ(zavri_debug_dump_yuv_simple2(kA.data(), 3, kB.data(), 2, kB.data(), 2, "x"), 0);
     EXPECT_EQ(phone_.writes, 0);
   }
-  EXPECT_EQ(phone_.closes, 1);  // of what was opened
+  EXPECT_EQ(phone_.closes, 1);  // the file that was opened is closed
   take_log();
   // Frames are written, read and closed whatever was opened.
   phone_.open_result.reset();

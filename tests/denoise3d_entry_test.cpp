@@ -23,14 +23,14 @@ T_3DYuvDenoiseParam without_frames(uint32_t width, uint32_t height) {
   return param;
 }
 
-using Thresholds = std::pair<int, int>;  // thresh, threshY
+using Thresholds = std::pair<int, int>;  // are thresh and threshY
 
 Thresholds after_call(T_3DYuvDenoiseParam param) {
   EXPECT_EQ(zavri_mp_3D_YUV_denoise(&param), 0u);
   return {param.thresh, param.threshY};
 }
 
-// Both thresholds as one curve at one gain gives them, at 20 megapixels: nothing is scaled away.
+// Returns both thresholds for one curve at one gain, at 20 megapixels: nothing is scaled away.
 Thresholds tuned(uint8_t gain, uint8_t requested, const Points* points) {
   T_3DYuvDenoiseParam param = without_frames(5000, 4000);
   param.thresh_tune = param.switch_a = 1;
@@ -167,7 +167,7 @@ TEST_F(Denoise3dEntryPool, LogsAndLocksInOrder) {
   zavri_mp_3D_YUV_denoise(&param);
   EXPECT_EQ(take_log(), expected);
 
-  expected.erase(expected.begin() + 2, expected.begin() + 4);  // the pool is there now
+  expected.erase(expected.begin() + 2, expected.begin() + 4);  // by now there is a pool
   expected[2] = entry("zavri-mp, height:3000, width:4000, gain:20, thresh:10, threshY:34, num:9");
   zavri_mp_3D_YUV_denoise(&param);
   EXPECT_EQ(take_log(), expected);

@@ -20,7 +20,7 @@ namespace {
 
 using Bytes = std::vector<uint8_t>;
 
-// The scene with up to 7 added to each sample.
+// Returns the scene with up to 7 added to each sample.
 Bytes capture_of(Bytes scene, Random& random) {
   for (uint8_t& byte : scene) {
     byte = static_cast<uint8_t>(std::min(255, byte + static_cast<int>(random() % 8)));
@@ -28,7 +28,7 @@ Bytes capture_of(Bytes scene, Random& random) {
   return scene;
 }
 
-// The four strips in every build leave what the naive model leaves, in all frames.
+// Runs the four strips in every build: they must leave what the naive model leaves, in all frames.
 void expect_as_the_model(const Frames& frames) {
   Frames expected = frames;
   for (int strip = 0; strip < 4; ++strip) naive_denoise_strip(expected.param, strip);
@@ -51,7 +51,7 @@ TEST(Denoise3dStrip, EqualsTheNaiveModel) {
   for (int round = 0; round < 2000; ++round) {
     const int width = pick(random, 1, round % 8 ? 40 : 300);
     const int least = (width + 1) / 2 * 2;
-    // Equal to the width as often as not; odd ones as well.
+    // A stride is the width as often as not, and may be odd.
     const auto stride = [&] {
       return static_cast<uint32_t>(least + std::max(0, pick(random, -9, 9)));
     };
@@ -74,7 +74,7 @@ TEST(Denoise3dStrip, EqualsTheNaiveModel) {
   }
 }
 
-// What is counted in 16 bits: the rest of a row between edge sections, and each field of the
+// The rest of a row between edge sections is counted in 16 bits, and so is each field of the
 // smoothing's record.
 TEST(Denoise3dStrip, CutsRowRestsAndSmoothingFieldsTo16Bits) {
   constexpr struct {
@@ -82,7 +82,7 @@ TEST(Denoise3dStrip, CutsRowRestsAndSmoothingFieldsTo16Bits) {
     uint8_t frame_num;
   } kCases[] = {
       {12, 18, 40000, 65536 + 20, 2},   // both rests wrap
-      {12, 18, 40000, 65536 + 20, 4},   // but not those of 4 frames
+      {12, 18, 40000, 65536 + 20, 4},   // those of 4 frames do not
       {65536 + 6, 4, 65550, 65544, 1},  // smoothed as if 6 wide with a stride of 8
       {2, 8 * 65537, 2, 2, 1},          // one row in each strip
       {70000, 2, 70000, 70000, 3},      // ramps longer than a kernel call
@@ -101,7 +101,7 @@ TEST(Denoise3dStrip, CutsRowRestsAndSmoothingFieldsTo16Bits) {
 
 // 12 rows of a page each, with the planes adjacent: the last strip's luma, rows 9 to 14, lies on
 // the first three chroma rows, of which the first strip has one. Who merges nothing there writes
-// nothing there: the other strip may be merging.
+// nothing there, because the other strip may be merging.
 TEST(Denoise3dStrip, WritesOnlyWhatItMergesWhereStripsMeet) {
   constexpr uint32_t kPage = 4096;
   constexpr uint32_t kHeight = 12;
@@ -114,7 +114,7 @@ TEST(Denoise3dStrip, WritesOnlyWhatItMergesWhereStripsMeet) {
     ASSERT_NE(pages, MAP_FAILED);
     frame = static_cast<uint8_t*>(pages);
   }
-  // Luma that is never accepted, and chroma that agrees in the last strip alone.
+  // Luma is never accepted, and chroma agrees in the last strip alone.
   memset(frames[1], 60, kPage * kHeight);
   memset(frames[1] + kPage * kHeight, 100, kPage * 3);
   ASSERT_EQ(mprotect(frames[0] + kPage * kHeight, kPage * 3, PROT_READ), 0);
@@ -139,7 +139,7 @@ TEST(UvRunSmooth, EqualsTheNaiveModel) {
   for (int round = 0; round < 3000; ++round) {
     const int width = pick(random, 0, 90);
     const int rows = pick(random, 0, 20);
-    const int stride = pick(random, 2, 100);  // also below the width
+    const int stride = pick(random, 2, 100);  // may be below the width
     const auto size = static_cast<size_t>(rows * stride + width + 8);
     const Bytes before = samples(random, kStyles[round % 4], size);
     Bytes expected = before;
@@ -168,7 +168,7 @@ std::vector<LogLine> geometry_line(const std::string& variant, const T_3DYuvDeno
   return {{kLogError, kTagProcessing, text.str()}};
 }
 
-// Also without rows: only the last of these strips has one.
+// Of these strips only the last has a row.
 TEST(Denoise3dStrip, LogsItsGeometryForFourFramesOnly) {
   const struct {
     uint8_t frame_num, a, b, c, thresh, threshY;

@@ -52,7 +52,7 @@ TEST(FastcvGaussian, EqualsTheModelForEverySize) {
   for (int width = 1; width <= 3 * 32 + 4; ++width) {
     for (const Style style : kStyles) expect_model(width, pick(random, 1, 8), style, random);
   }
-  // Around the number of rows that are worked at a time, once and twice.
+  // The heights lie around the number of rows that are worked at a time, once and twice.
   for (int height = 14; height <= 38; ++height) expect_model(70, height, Style::kUniform, random);
 }
 

@@ -1,4 +1,4 @@
-// The portable scaler beside OpenCV's, which shares none of its code or arithmetic.
+// Compares the portable scaler with OpenCV's, which shares none of its code or arithmetic.
 #include <gtest/gtest.h>
 
 #include <opencv2/imgproc.hpp>

@@ -36,7 +36,7 @@ std::ostream& operator<<(std::ostream& out, Size size) {
   return out << size.width << 'x' << size.height;
 }
 
-// A plane that ends with its last row's last pixel: the address sanitizer sees a step further.
+// This plane ends with its last row's last pixel: the address sanitizer sees a step further.
 struct TestPlane {
   Size size;
   uint32_t stride;
@@ -79,8 +79,8 @@ Size random_size(Random& random, int most) {
           static_cast<uint32_t>(pick(random, 1, most))};
 }
 
-// Every length up to three vectors, in and out of the reach of the vector forms; ratios of powers
-// of two take the short sums.
+// Tries every length up to three vectors, in and out of the reach of the vector forms; ratios of
+// powers of two take the short sums.
 TEST(FastcvScale, EveryBuildEqualsThePlainRule) {
   Random random(1);
   for (uint32_t width = 1; width <= 3 * 32 + 1; ++width) {
@@ -118,7 +118,7 @@ double weight(Way way, double distance) {
   return d < 2 ? 2 - 4 * d + 2.5 * d * d - 0.5 * d * d * d : 0;
 }
 
-// The definition, in floating point: a convolution at the centre of each pixel.
+// Computes the definition in floating point: a convolution at the centre of each pixel.
 double model(Way way, const TestPlane& from, Size to, uint32_t x, uint32_t y) {
   const double px = (x + 0.5) * from.size.width / to.width - 0.5;
   const double py = (y + 0.5) * from.size.height / to.height - 0.5;
@@ -142,7 +142,7 @@ TestPlane ramp(Size size) {
   return plane;
 }
 
-// Ramps among them, which the model keeps away from the edges.
+// Ramps are among the planes; the model keeps them away from the edges.
 TEST(FastcvScale, StaysCloseToTheModel) {
   Random random(2);
   for (int round = 0; round < 160; ++round) {
@@ -168,7 +168,7 @@ TEST(FastcvScale, NearestTakesThePixelThatContainsTheCentre) {
   Random random(3);
   for (int round = 0; round < 200; ++round) {
     const TestPlane source = random_plane(random, random_size(random, 50));
-    const bool equal = round % 10 == 9;  // all ways copy then
+    const bool equal = round % 10 == 9;  // then all ways copy
     TestPlane result(equal ? source.size : random_size(random, 50), 1);
     if (equal) {
       for (const Way way : {Way::kLinear, Way::kSpline}) {
@@ -203,7 +203,7 @@ TEST(FastcvScale, ConstantStaysConstant) {
   }
 }
 
-// Also for 256 and 512 columns, where all weights lie half way between two of 1/256.
+// At 256 and 512 columns all weights lie half way between two of 1/256.
 TEST(FastcvScale, MirroredPictureGivesTheMirroredResult) {
   Random random(6);
   for (const uint32_t width : {67, 200, 256, 512}) {

@@ -1,4 +1,4 @@
-/* The public header as a C program sees it, and the shared object behind it. */
+/* Uses the public header as a C program does, and the shared object behind it. */
 #include <assert.h>
 #include <stdio.h>
 #include <string.h>
@@ -85,7 +85,7 @@ static_assert(sizeof(T_ThreadPoolTaskInput) == 3 * sizeof(void*), "T_ThreadPoolT
 
 enum { kWidth = 8, kHeight = 8, kLuma = kWidth * kHeight, kFrame = kLuma * 3 / 2 };
 
-/* Frames of 4000x3000 without row padding: the figures of docs/memory.md. */
+/* docs/memory.md has these figures, of frames of 4000x3000 without row padding. */
 static int room_is_right(void) {
   T_3DYuvDenoiseParam denoise = {0};
   T_UVDenoiseParam chroma = {0};

@@ -1,9 +1,9 @@
-// The public header as a C++ program sees it, and the classes in the shared object.
+// Uses the public header as a C++ program does, and the classes in the shared object.
 #include <type_traits>
 
 #include "zavricustpro.h"
 
-// In cxx_linkage.cpp, which knows the pool's free functions with C++ linkage only.
+// cxx_linkage.cpp defines these; it knows the pool's free functions with C++ linkage only.
 int cxx_init();
 int cxx_destroy();
 void cxx_run_and_count(void* info);

@@ -11,11 +11,12 @@ namespace {
     !defined(__SANITIZE_THREAD__)
 constexpr int kValueStep = 1;
 #else
-constexpr int kValueStep = 51;  // both ends and a few between, at a pace that an emulator keeps
+constexpr int kValueStep =
+    51;  // tries both ends and a few between, at a pace that an emulator keeps
 #endif
 
-// With the widest limit all frames agree: every combination of a reference byte r, a byte a, and
-// all pairs of values of two more frames.
+// With the widest limit all frames agree. This tries every combination of a reference byte r, a
+// byte a, and all pairs of values of two more frames.
 TEST(Merge, MeanOfAllFramesIsExactForEverySampleValue) {
   constexpr size_t kPairs = 256 * 256;
   using Row = std::vector<uint8_t>;

@@ -22,7 +22,7 @@ const LogLine kBegin{6, "ZVC", "zavri-mp::resize begin"};
 const LogLine kParameterError{6, "ZVC", "zavri-mp::resize para error !!!"};
 const LogLine kDownScale{6, "ZVC", "zavri-mp::down scale. sorry, It is not surpport now."};
 
-// All lines of a call that creates the pool.
+// A call that creates the pool logs these lines.
 const std::vector<LogLine> kDone = {kBegin,
                                     {0, kWatchTag, "lock"},
                                     {2, "Defog", "Constructed ThreadPool of size 4."},
@@ -35,7 +35,8 @@ struct Geometry {
   uint16_t width, height, stride;
 };
 
-// Both frames and the record that describes them, planes of the sizes that the record needs.
+// Holds both frames and the record that describes them; planes have the sizes that the record
+// needs.
 class Resize {
  public:
   T_ResizeParam param{};
@@ -121,7 +122,7 @@ TEST(ResizeEntry, TestsInOrderAndSaysWhy) {
 
 struct StripCase {
   Geometry src, dst;
-  std::array<uint32_t, 4> src_rows, dst_rows;  // of the strips
+  std::array<uint32_t, 4> src_rows, dst_rows;  // one for each strip
 };
 
 const StripCase kStripCases[] = {
@@ -237,7 +238,7 @@ TEST(ChromaChannels, EveryBuildEqualsThePlainLoop) {
   constexpr size_t kRoom = kMost + 3;
   for (size_t pairs = 0; pairs <= kMost; ++pairs) {
     for (int round = 0; round < 8; ++round) {
-      // Apart in the first rounds, then anywhere, overlapping in every way.
+      // The planes are apart in the first rounds, then anywhere, overlapping in every way.
       size_t at[3] = {random() % 3, 2 * kRoom + random() % 3, 3 * kRoom + random() % 3};
       if (round >= 4) {
         for (size_t& offset : at) offset = random() % (2 * kRoom);

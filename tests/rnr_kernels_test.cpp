@@ -13,7 +13,7 @@ using Bytes = std::vector<uint8_t>;
 constexpr size_t kLongestRow = 3 * 32 + 1;
 constexpr size_t kGuard = 40;
 
-// Weights by one build, with what lies around them.
+// Holds the weights of one build, with what lies around them.
 std::pair<Bytes, Bytes> weights(Build build, size_t count, int32_t dx, int32_t dy,
                                 const WeightRule& rule) {
   Bytes blur(count + 2 * kGuard, 0xa5);
@@ -52,11 +52,11 @@ TEST(RnrWeights, EveryBuildEqualsThePlainRuleForAnyRule) {
     !defined(__SANITIZE_THREAD__)
 constexpr uint32_t kStep = 1;
 #else
-constexpr uint32_t kStep = 17;  // at a pace that an emulator keeps
+constexpr uint32_t kStep = 17;  // keeps a pace for an emulator
 #endif
 
-// For spans about powers of 2, and every weight up to a few `full`: the D at which the weight
-// is reached and the last one before it.
+// For spans about powers of 2, and every weight up to a few `full`, this tries the D at which the
+// weight is reached and the last one before it.
 TEST(RnrWeights, TheQuotientIsExactWhereItChanges) {
   constexpr size_t kCount = 32;
   Random random(2);
@@ -86,7 +86,7 @@ TEST(RnrWeights, TheQuotientIsExactWhereItChanges) {
   }
 }
 
-// Every weight with every pair of samples.
+// Tries every weight with every pair of samples.
 TEST(RnrBlend, FollowsTheRuleForAllValues) {
   constexpr size_t kPairs = 256 * 256;
   Bytes sharp(kPairs);

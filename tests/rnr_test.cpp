@@ -41,7 +41,7 @@ void process(uint8_t* plane) {
   for (uint32_t k = 0; k < kRnrTiles; ++k) zavri_mp_RNR_process_inner(&k, plane);
 }
 
-// Straight from the pixel's place, in the 32 bits of the contract.
+// Computes a weight straight from the pixel's place, in 32 bits.
 uint8_t naive_weight(const Geometry& g, int x, int y) {
   const auto square = [](uint32_t value) { return value * value; };
   const uint32_t cx = (g.width >> 1) & 0x7fff;
@@ -71,7 +71,7 @@ T_RnrTile naive_tile(const Geometry& g, const Tile& tile) {
           tile.row == 3 ? static_cast<int>(g.height) - 3 * height : height};
 }
 
-// Tile by tile: where the stride is below the width, they overlap.
+// Works tile by tile, because tiles overlap where the stride is below the width.
 Bytes naive_process(const Geometry& g, Bytes plane) {
   for (const Tile& place : kTiles) {
     const T_RnrTile tile = naive_tile(g, place);
@@ -92,8 +92,9 @@ Bytes naive_process(const Geometry& g, Bytes plane) {
   return plane;
 }
 
-// Tiny planes have empty tiles and negative weights, 2x2 at radius 50 a span of 0. The long ones
-// make the products wrap, and the centre. Rows that overlap show in which order tiles are written.
+// Tiny planes have empty tiles and negative weights, and 2x2 at a radius of 50 % has a span of 0.
+// The long planes make products and the centre wrap. Rows that overlap show in which order tiles
+// are written.
 constexpr Geometry kGeometries[] = {
     {640, 480, 640, 100, 100},   {641, 483, 650, 80, 50},     {200, 1000, 200, 130, 94},
     {200, 301, 216, 45, 95},     {333, 57, 340, 20, 250},     {130, 130, 130, 100, -1},
@@ -171,7 +172,7 @@ TEST(Rnr, EveryRebuildFreesTheBuffersBefore) {
 
 TEST(Rnr, TheGaussianIsCalledForEveryTileEmptyOrNot) {
   const RnrState saved = g_rnr_state;
-  g_rnr_state = {};  // as before the first call
+  g_rnr_state = {};  // is what it is before the first call
   Bytes plane(64, 77);
   take_gaussian_calls();
   process(plane.data());
@@ -181,7 +182,7 @@ TEST(Rnr, TheGaussianIsCalledForEveryTileEmptyOrNot) {
   ASSERT_EQ(before_init.size(), kRnrTiles);
   for (const GaussianCall& call : before_init) EXPECT_EQ(call.width + call.height, 0u);
 
-  fresh_tables({3, 9, 3, 100, 100});  // the columns but the last are empty
+  fresh_tables({3, 9, 3, 100, 100});  // all columns but the last are empty
   process(plane.data());
   const std::vector<GaussianCall> calls = take_gaussian_calls();
   ASSERT_EQ(calls.size(), kRnrTiles);

@@ -29,7 +29,7 @@ std::vector<Counts> counts() {
   return all;
 }
 
-// Position in long double, whose 64 bits hold it more finely than any weight.
+// Returns a position in long double, whose 64 bits hold it more finely than any weight.
 long double exact(uint32_t i, Counts c) { return (i + 0.5L) * c.from / c.to - 0.5L; }
 
 TEST(ScaleTaps, PositionsAreExactHoweverLongTheWalk) {

@@ -48,7 +48,7 @@ class ProcessPool : public ::testing::Test {
 };
 
 TEST_F(ProcessPool, LivesFromInitToDestroy) {
-  EXPECT_EQ(HALThreadPoolDestroy(), 0);  // there is none yet
+  EXPECT_EQ(HALThreadPoolDestroy(), 0);  // there is no pool yet
   EXPECT_EQ(take_log(), pool_lines({}));
 
   EXPECT_EQ(HALThreadPoolInit(), 0);
@@ -85,7 +85,7 @@ TEST_F(ProcessPool, LeavesAHalfStartedPoolAndReplacesItNextTime) {
     EXPECT_EQ(g_hal_threadpool_init, 0);
     if (failing > 1) expect_each_runs_once(half, 9);
 
-    EXPECT_EQ(HALThreadPoolDestroy(), 0);  // does not count it as a pool
+    EXPECT_EQ(HALThreadPoolDestroy(), 0);  // a half-started pool does not count
     EXPECT_EQ(g_threadpool, half);
     EXPECT_EQ(take_log(), pool_lines({}));
 
@@ -151,7 +151,7 @@ TEST(TaskLock, DestructorWaitsUntilNobodyHoldsIt) {
                                               watch_line("destroy")}));
 }
 
-// A task that runs until its pool has been told to stop.
+// This task runs until its pool has been told to stop.
 struct UntilStopped {
   ThreadPool* pool;
   std::atomic<bool> started{false};
@@ -203,7 +203,7 @@ TEST(ThreadPool, RunsInTheOrderOfQueueingAlsoWhatCameBeforeItsThreads) {
   ThreadPool pool(1);
   for (Task& task : tasks) pool.add_task(&task);
   pool.initialize_threadpool();
-  expect_each_runs_once(&pool, 1);  // behind all of them
+  expect_each_runs_once(&pool, 1);  // queued behind all of them
   ASSERT_EQ(order.size(), entries.size());
   EXPECT_TRUE(std::is_sorted(order.begin(), order.end()));
 }

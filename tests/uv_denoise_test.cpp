@@ -40,7 +40,7 @@ void fill_table(Random& random, Table table, T_UVDenoiseParam& param) {
   }
 }
 
-// A plane within a buffer that has room for what small planes touch beyond them.
+// This plane lies in a buffer that has room for what the strips of small planes touch around them.
 struct Job {
   T_UVDenoiseParam param{};
   std::vector<uint8_t> bytes;
@@ -68,11 +68,11 @@ struct Job {
   }
 };
 
-// Any strip number above 2 is the last strip's, but begins where the number says.
+// Any strip number above 2 means the last strip, but that begins where the number says.
 uint32_t random_strip(Random& random) { return random() % 8 == 0 ? 4 : random() % 4; }
 
-// From the smallest that the last strip's borders admit, whose windows lead out of the plane. Some
-// are so large that their lines are filtered in parts.
+// The heights begin at the smallest that the last strip's borders admit, whose windows lead out of
+// the plane. Some widths are so large that lines are filtered in parts.
 uint32_t random_height(Random& random, int reach) {
   const int large = random() % 32 == 0 ? 1300 : 0;
   for (;;) {
@@ -89,7 +89,7 @@ TEST(UvDenoise, StripsEqualTheNaiveModelInEveryBuild) {
   Random random(1);
   for (int round = 0; round < 400; ++round) {
     const auto& [function, taps] = kKernels[round % 4];
-    const int reach = std::max((taps - 1) / 2, 5);  // the fixed tolerance's is 5
+    const int reach = std::max((taps - 1) / 2, 5);  // 5 is the fixed tolerance's
     const uint32_t width = random_width(random, taps);
     const uint32_t height = random_height(random, reach);
     // Samples are found with the low 15 bits of the stride.
@@ -98,7 +98,7 @@ TEST(UvDenoise, StripsEqualTheNaiveModelInEveryBuild) {
     job.param.threshold = static_cast<int8_t>(pick(random, -128, 127) >> random() % 4);
     const Table table = kTables[random() % 5];
     fill_table(random, table, job.param);
-    // Room for the strip after the last one.
+    // There is room for the strip after the last one.
     job.bytes.resize(job.bytes.size() + height * job.param.stride);
     const uint32_t strip = random_strip(random);
     const auto expected =
@@ -123,7 +123,7 @@ TEST(UvDenoise, FillStepEqualsTheNaiveModelInEveryBuild) {
   constexpr size_t kStart = 64;
   for (int width = 0; width <= 120; ++width) {
     for (int rows = 0; rows <= 13; ++rows) {
-      // Also rows that overlap the next one, and those that end where it begins.
+      // Some rows overlap the next one, and some end where it begins.
       const int stride = rows % 3 == 0 ? width : pick(random, 0, 2 * width);
       const uint32_t strip = random_strip(random);
       const auto bytes = samples(random, Style::kUniform, 2 * kStart + 15u * 2u * 130u);

@@ -7,10 +7,10 @@
 // here, those of shared libraries do not.
 namespace zavri::testing {
 
-// Records the calls during its lifetime, on any one thread.
+// Records the calls of one thread at a time during its lifetime.
 class WatchAllocations {
  public:
-  static constexpr unsigned char kFill = 0x5c;  // of blocks that are handed out
+  static constexpr unsigned char kFill = 0x5c;  // fills the blocks that are handed out
 
   enum class Outcome { kSucceed, kFail };
 
@@ -19,8 +19,8 @@ class WatchAllocations {
   WatchAllocations(const WatchAllocations&) = delete;
   WatchAllocations& operator=(const WatchAllocations&) = delete;
 
-  std::vector<size_t> sizes;  // asked for, in order
-  size_t freed = 0;           // calls of free with a pointer that is not null
+  std::vector<size_t> sizes;  // lists what was asked for, in order
+  size_t freed = 0;           // counts the calls of free whose pointer is not null
   const Outcome outcome;
 };
 

@@ -7,13 +7,13 @@
 
 #include "include/zavricustpro.h"
 
-// Beside the record, where the test framework finds it.
+// The test framework looks for this beside the record.
 std::ostream& operator<<(std::ostream& out, const T_3DYuvDenoiseParam& param);
 
 namespace zavri::testing {
 
-// Four frames and the record that describes them, with room in front and behind for sections that
-// run past a frame. Copies own their frames.
+// Holds four frames and the record that describes them, with room in front and behind for sections
+// that run past a frame. Copies own their frames.
 class Frames {
  public:
   T_3DYuvDenoiseParam param{};
@@ -32,7 +32,7 @@ class Frames {
   std::vector<uint8_t> bytes_[4];
 };
 
-// One strip in the calling thread.
+// Works one strip in the calling thread.
 void run_strip(const T_3DYuvDenoiseParam& param, int32_t strip);
 
 }  // namespace zavri::testing

@@ -14,7 +14,7 @@ struct GaussianCall {
   int blur_border;
 };
 
-// The calls since the last one of this, in order; any thread may blur meanwhile.
+// Returns the calls since the last call of this function, in order; any thread may blur meanwhile.
 std::vector<GaussianCall> take_gaussian_calls();
 
 }  // namespace zavri::testing

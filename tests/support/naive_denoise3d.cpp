@@ -78,7 +78,7 @@ void Strip::section(ptrdiff_t uv, ptrdiff_t y, ptrdiff_t bytes, bool left, Write
   }
 }
 
-// 2 and 3 frames: the cursors run over both sections and are never set back to a row's start.
+// With 2 and 3 frames cursors run over both sections and are never set back to a row's start.
 void Strip::drifting_edges(Writes writes) {
   ptrdiff_t uv = chroma;
   ptrdiff_t y = luma;
@@ -114,7 +114,7 @@ bool Strip::edges(Writes writes) {
   return true;
 }
 
-// False where the strip ends at once, without the smoothing.
+// Returns false where the strip ends at once, without the smoothing.
 bool Strip::merge() {
   if (p.thresh_tune != 0) {
     if (p.switch_a != 0 && p.switch_b == 0) {

@@ -4,8 +4,8 @@
 
 #include "include/zavricustpro.h"
 
-// The chroma denoise, written sample by sample and for nothing but to be read: what the library's
-// strips are compared with.
+// The library's strips are compared with this chroma denoise, which works sample by sample and is
+// written for nothing but to be read.
 namespace zavri::testing {
 
 // `taps` is 7, 11, 15 or 19.

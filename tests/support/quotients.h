@@ -4,8 +4,9 @@
 
 #include "simd/builds.h"
 
-// The chroma window's vector division against the language's, over all numerators and all sums of
-// weights (a part of them on emulators and under sanitizers). Compiled like the kernels.
+// Compares the chroma window's vector division with the language's, over all numerators and all
+// sums of weights (a part of them on emulators and under sanitizers). It is compiled like the
+// kernels.
 namespace zavri::testing {
 
 struct QuotientCheck {

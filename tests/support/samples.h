@@ -4,20 +4,21 @@
 #include <random>
 #include <vector>
 
-// Sample data for differential tests of the kernels.
+// Makes sample data for differential tests of the kernels.
 namespace zavri::testing {
 
 using Random = std::mt19937;
 
-// Uniform in [low, high].
+// Returns a value, uniform in [low, high].
 int pick(Random& random, int low, int high);
 
-// Data that reaches different paths and overflows different lanes.
+// Each style reaches different paths and overflows different lanes.
 enum class Style { kUniform, kNearEqual, kExtremes, kSpikes };
 inline constexpr Style kStyles[] = {Style::kUniform, Style::kNearEqual, Style::kExtremes,
                                     Style::kSpikes};
 
-// `size` bytes: any value; a level +-4; 0 and 255 only; or flat with a rare outlier.
+// Returns `size` bytes. By style they have any value, are a level +-4, 0 and 255 only, or flat with
+// a rare outlier.
 std::vector<uint8_t> samples(Random& random, Style style, size_t size);
 
 }  // namespace zavri::testing

@@ -8,7 +8,7 @@ namespace zavri::testing {
 namespace {
 
 struct Fault {
-  std::atomic<int> calls_left;  // until the one that fails
+  std::atomic<int> calls_left;  // counts down to the one that fails
   int error;
 };
 
@@ -17,7 +17,7 @@ std::atomic<pthread_mutex_t*> g_watched;
 
 Fault& fault(PthreadCall call) { return g_faults[static_cast<int>(call)]; }
 
-// What a call returns instead of its own result.
+// Returns what a call returns instead of its own result.
 int outcome(PthreadCall call, int result) {
   if (fault(call).calls_left.fetch_sub(1) != 1) return result;
   errno = FailPthread::kErrnoAfterFailure;

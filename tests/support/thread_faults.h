@@ -9,7 +9,7 @@ namespace zavri::testing {
 
 enum class PthreadCall { kCreate, kJoin, kMutexInit, kMutexDestroy, kCondInit, kCondDestroy };
 
-// During its lifetime call number `nth` of one function, from 1, returns `error` and leaves
+// During its lifetime call number `nth`, counted from 1, of one function returns `error` and leaves
 // kErrnoAfterFailure in errno. A failing creation creates nothing; the others do their work first,
 // so that no thread or lock is lost.
 class FailPthread {

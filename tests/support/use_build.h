@@ -16,7 +16,7 @@ class UseBuild {
   UseBuild& operator=(const UseBuild&) = delete;
 };
 
-// The builds that this machine runs, the plain rule first.
+// Returns the builds that this machine runs, the plain rule first.
 std::vector<Build> builds_here();
 
 }  // namespace zavri::testing
