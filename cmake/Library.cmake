@@ -41,19 +41,27 @@ zavri_add_objects(zavri_objects zavri_operations ${library_sources})
 zavri_add_kernels(zavri_objects zavri_kernels ${kernel_sources})
 target_link_libraries(zavri_objects INTERFACE Threads::Threads zavri_fastcv)
 
-# The Android log: the system's where there is one (a phone, or Debian's android-liblog-dev).
-find_library(ZAVRI_LIBLOG NAMES log
-             PATHS /usr/lib/${CMAKE_LIBRARY_ARCHITECTURE}/android NO_CMAKE_FIND_ROOT_PATH)
-if(ZAVRI_LIBLOG)
-  add_library(zavri_log UNKNOWN IMPORTED)
-  set_target_properties(zavri_log PROPERTIES IMPORTED_LOCATION ${ZAVRI_LIBLOG})
+# The Android log: the system's where there is one (a phone, or Debian's android-liblog-dev). The
+# toolchain for Android knows where its own lies, and a stand-in must not reach a phone.
+if(ANDROID)
+  add_library(zavri_log INTERFACE)
+  target_link_libraries(zavri_log INTERFACE log)
 else()
-  add_library(zavri_log SHARED platform/host/log_stderr.cpp)
-  set_target_properties(zavri_log PROPERTIES OUTPUT_NAME log)
-  target_include_directories(zavri_log PRIVATE ${PROJECT_SOURCE_DIR})
+  find_library(ZAVRI_LIBLOG NAMES log
+               PATHS /usr/lib/${CMAKE_LIBRARY_ARCHITECTURE}/android NO_CMAKE_FIND_ROOT_PATH)
+  if(ZAVRI_LIBLOG)
+    add_library(zavri_log UNKNOWN IMPORTED)
+    set_target_properties(zavri_log PROPERTIES IMPORTED_LOCATION ${ZAVRI_LIBLOG})
+  else()
+    add_library(zavri_log SHARED platform/host/log_stderr.cpp)
+    set_target_properties(zavri_log PROPERTIES OUTPUT_NAME log)
+    target_include_directories(zavri_log PRIVATE ${PROJECT_SOURCE_DIR})
+  endif()
 endif()
 
-add_library(zavricustpro SHARED)
+# The allocation functions are in the shared object alone: a program has its own.
+zavri_compile(zavri_operator_new platform/operator_new.cpp)
+add_library(zavricustpro SHARED $<TARGET_OBJECTS:zavri_operator_new>)
 target_link_libraries(zavricustpro PRIVATE zavri_objects zavri_log)
 target_include_directories(zavricustpro PUBLIC
   $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include> $<INSTALL_INTERFACE:include>)

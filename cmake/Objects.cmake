@@ -36,7 +36,7 @@ function(zavri_set_link_options library map)
   target_link_options(${library} PRIVATE
     -Wl,--version-script=${map} -Wl,--exclude-libs,ALL -Wl,--as-needed
     -Wl,-z,relro -Wl,-z,now -Wl,-z,noexecstack -Wl,-z,text -Wl,-z,max-page-size=16384
-    -Wl,--build-id)
+    -Wl,--build-id=sha1)
   if(NOT ZAVRI_SANITIZE)
     target_link_options(${library} PRIVATE -static-libstdc++ -static-libgcc -Wl,-z,defs)
   endif()

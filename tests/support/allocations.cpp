@@ -1,6 +1,8 @@
 #include "tests/support/allocations.h"
 
+#include <cstdlib>
 #include <cstring>
+#include <new>
 
 namespace zavri::testing {
 namespace {
@@ -37,3 +39,15 @@ void __wrap_free(void* pointer) {
   __real_free(pointer);
 }
 }
+
+// Those of a C++ library that is linked statically would call the wrapped functions for containers,
+// too.
+void* operator new(size_t size) {
+  void* const block = __real_malloc(size != 0 ? size : 1);
+  if (block == nullptr) abort();
+  return block;
+}
+
+void operator delete(void* pointer) noexcept { __real_free(pointer); }
+
+void operator delete(void* pointer, size_t /*size*/) noexcept { __real_free(pointer); }

@@ -4,7 +4,7 @@
 #include <vector>
 
 // The test executable wraps malloc and free at link time; calls from its own object files pass
-// here, those of shared libraries do not.
+// here, those of shared libraries and of containers do not.
 namespace zavri::testing {
 
 // Records the calls of one thread at a time during its lifetime.
