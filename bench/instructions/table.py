@@ -77,7 +77,7 @@ def main():
     mode, directory, *names = sys.argv[1:]
     presets = {preset: counted.read(directory, preset) for preset in names}
     failures = differing_results(presets)
-    if mode == "--update":
+    if mode == "--update" and not failures:
         update(presets)
     failures += compare(presets)
     for failure in failures:
