@@ -60,30 +60,30 @@ class Program:
 
 
 def estimate(assembly, target, core):
-    """Cycles of one pass, and their bound by the units that execute alone."""
+    """The cycles of one pass, and how many its execution units alone take."""
     report = subprocess.run(
         ["llvm-mca", f"-mtriple={target}", f"-mcpu={core}", f"-iterations={PASSES}",
          "-resource-pressure=false", "-instruction-info=false"],
         check=True, input=assembly, capture_output=True, text=True).stdout
     total = int(re.search(r"Total Cycles:\s+(\d+)", report)[1])
-    bound = float(re.search(r"Block RThroughput:\s+([\d.]+)", report)[1])
-    return f"{total / PASSES:10.1f}{bound:8.1f}"
+    return total / PASSES, float(re.search(r"Block RThroughput:\s+([\d.]+)", report)[1])
 
 
 def report(directory, preset):
     target, cores = CORES[preset.split("-")[0]]
     program = Program(preset)
-    print(f"{preset:24}  share  instructions" + "".join(f"{core:>12} bound" for core in cores))
-    reported = set()
+    print(f"{preset:24}  share  instructions"
+          + "".join(f"{core:>12}   bound a pixel" for core in cores))
     for name, operation in counted.read(directory, preset).items():
         for begin, end, executions in program.stretches(operation.blocks):
             share = (end - begin) * executions / operation.counts["total"]
-            if share < LEAST_SHARE or begin in reported:
+            if share < LEAST_SHARE:
                 break
-            reported.add(begin)
-            assembly = program.assembly(begin, end)
-            print(f"  {name:22} {share:6.0%} {end - begin:13}"
-                  + "".join(estimate(assembly, target, core) for core in cores))
+            line = f"  {name:22} {share:6.0%} {end - begin:13}"
+            for core in cores:
+                cycles, bound = estimate(program.assembly(begin, end), target, core)
+                line += f"{cycles:12.1f}{bound:8.1f}{cycles * executions / operation.pixels:8.3f}"
+            print(line)
 
 
 def main():
