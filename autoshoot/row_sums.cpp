@@ -1,10 +1,9 @@
 #include "autoshoot/row_sums.h"
 
+#include <algorithm>
 #include <cstdlib>
 
-#ifndef ZAVRI_BUILD_PLAIN
 #include "simd/vec.h"
-#endif
 
 namespace zavri {
 namespace {
@@ -13,19 +12,21 @@ namespace {
 
 struct Zero {
   int at(size_t) const { return 0; }
+  ZAVRI_INLINE U8 vector_at(size_t) const { return U8{}; }
 };
 
 struct Mean {
   uint8_t mean;
   int at(size_t) const { return mean; }
+  ZAVRI_INLINE U8 vector_at(size_t) const { return splat<U8>(mean); }
 };
 
 struct OtherRow {
   const uint8_t* other;
   int at(size_t i) const { return other[i]; }
+  ZAVRI_INLINE U8 vector_at(size_t i) const { return load(other + i); }
 };
 
-// The rule.
 template <class Reference>
 uint32_t sum_plain(const uint8_t* row, size_t width, Reference reference) {
   uint32_t sum = 0;
@@ -35,20 +36,7 @@ uint32_t sum_plain(const uint8_t* row, size_t width, Reference reference) {
   return sum;
 }
 
-#ifdef ZAVRI_BUILD_PLAIN
-
-template <class Reference>
-uint32_t sum_row(const uint8_t* row, size_t width, Reference reference) {
-  return sum_plain(row, width, reference);
-}
-
-#else
-
-ZAVRI_INLINE V8 reference_at(Zero, size_t) { return V8{}; }
-ZAVRI_INLINE V8 reference_at(Mean reference, size_t) { return splat8(reference.mean); }
-ZAVRI_INLINE V8 reference_at(OtherRow reference, size_t i) { return load(reference.other + i); }
-
-// Loaded from kSuffix.bytes + n: the last n bytes set.
+// A load from bytes + n has its last n bytes set.
 constexpr struct SuffixMask {
   uint8_t bytes[2 * kVectorBytes];
   constexpr SuffixMask() : bytes{} {
@@ -56,31 +44,42 @@ constexpr struct SuffixMask {
   }
 } kSuffix;
 
-// Lanes may wrap: they and their sum count modulo 2^32, as the rule does. Two vectors a step: with
-// one the loop's own instructions show.
+// Two vectors a step, because with one the loop's own instructions show; each has sums of its own,
+// because one addition need not wait for the other. Of the last vector, which reaches back over
+// bytes that have been added, only the rest of the row counts.
 template <class Reference>
-uint32_t sum_row(const uint8_t* row, size_t width, Reference reference) {
-  if (width < kVectorBytes) return sum_plain(row, width, reference);
-  V32 sums{};
-  V32 more_sums{};
+uint32_t sum_vectors(const uint8_t* row, size_t width, Reference reference) {
+  constexpr size_t kStep = 2 * kVectorBytes;
+  ByteSums sums;
+  ByteSums more_sums;
   size_t i = 0;
-  for (; i + 2 * kVectorBytes <= width; i += 2 * kVectorBytes) {
-    const size_t next = i + kVectorBytes;
-    sums = add_absdiff(sums, load(row + i), reference_at(reference, i));
-    more_sums = add_absdiff(more_sums, load(row + next), reference_at(reference, next));
+  while (i + kStep <= width) {
+    const size_t steps = std::min((width - i) / kStep, ByteSums::kMostAdds);
+    for (const size_t end = i + steps * kStep; i < end; i += kStep) {
+      const size_t next = i + kVectorBytes;
+      sums.add_abs_diff(load(row + i), reference.vector_at(i));
+      more_sums.add_abs_diff(load(row + next), reference.vector_at(next));
+    }
+    sums.settle();
+    more_sums.settle();
   }
+  sums.add(more_sums);
   if (i + kVectorBytes <= width) {
-    sums = add_absdiff(sums, load(row + i), reference_at(reference, i));
+    sums.add_abs_diff(load(row + i), reference.vector_at(i));
     i += kVectorBytes;
   }
-  // The rest of the row, in a vector that reaches back over what has been added.
   const size_t last = width - kVectorBytes;
-  const V8 rest = load(kSuffix.bytes + (width - i));
-  sums = add_absdiff(sums, load(row + last) & rest, reference_at(reference, last) & rest);
-  return totals(sums + more_sums, V32{}).a;
+  const U8 rest = load(kSuffix.bytes + (width - i));
+  sums.add_abs_diff(load(row + last) & rest, reference.vector_at(last) & rest);
+  sums.settle();
+  return sums.total();
 }
 
-#endif
+template <class Reference>
+uint32_t sum_row(const uint8_t* row, size_t width, Reference reference) {
+  if (kVectorized && width >= kVectorBytes) return sum_vectors(row, width, reference);
+  return sum_plain(row, width, reference);
+}
 
 uint32_t samples(const uint8_t* row, size_t width) { return sum_row(row, width, Zero{}); }
 

@@ -7,14 +7,14 @@
 
 namespace zavri {
 
-// Row kernels of the measures: sums over row[0, width), modulo 2^32.
+// Row kernels of the measures. All return a sum over row[0, width), modulo 2^32.
 struct RowSumKernels {
   uint32_t (*samples)(const uint8_t* row, size_t width);
 
-  // Of the absolute differences from other[0, width), which may overlap the row.
+  // Sums the absolute differences from other[0, width), which may overlap the row.
   uint32_t (*differences)(const uint8_t* row, const uint8_t* other, size_t width);
 
-  // Of the absolute deviations from a mean.
+  // Sums the absolute deviations from a mean.
   uint32_t (*deviations)(const uint8_t* row, size_t width, uint8_t mean);
 };
 

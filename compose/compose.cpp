@@ -4,6 +4,7 @@
 #include "compose/padding.h"
 #include "include/zavricustpro.h"
 #include "platform/log.h"
+#include "simd/overlap.h"
 
 namespace zavri {
 namespace {
@@ -20,12 +21,8 @@ uint32_t pixels_of(const T_ComposeParam& param) { return uint32_t{param.width} *
 
 bool output_overlaps_sources(const T_ComposeParam& param) {
   const size_t bytes = size_t{pixels_of(param)} * 3 / 2;
-  const auto overlaps = [&](const uint8_t* source) {
-    const auto from = reinterpret_cast<uintptr_t>(source);
-    const auto to = reinterpret_cast<uintptr_t>(param.dst_frame);
-    return from < to + bytes && to < from + bytes;
-  };
-  return overlaps(param.src_frame1) || overlaps(param.src_frame2);
+  const Range output{param.dst_frame, bytes};
+  return overlap({param.src_frame1, bytes}, output) || overlap({param.src_frame2, bytes}, output);
 }
 
 // Puts the picture between black bars. Each bound is cut from the product on its own: where that is

@@ -1,8 +1,7 @@
 #include "compose/decimate.h"
 
-#ifndef ZAVRI_BUILD_PLAIN
+#include "simd/overlap.h"
 #include "simd/vec.h"
-#endif
 
 namespace zavri {
 namespace {
@@ -15,40 +14,22 @@ void decimate_plain(uint8_t* to, const uint8_t* from, size_t bytes) {
   }
 }
 
-#ifdef ZAVRI_BUILD_PLAIN
-
-template <size_t kSize>
-void decimate(uint8_t* to, const uint8_t* from, size_t bytes) {
-  decimate_plain<kSize>(to, from, bytes);
-}
-
-#else
-
 template <size_t kSize>
 ZAVRI_INLINE void decimate_vector(uint8_t* to, const uint8_t* from, size_t b) {
-  const V8 low = load(from + 2 * b);
-  const V8 high = load(from + 2 * b + kVectorBytes);
-  if constexpr (kSize == 1) {
-    store(to + b, even(low, high));
-  } else {
-    store(to + b, (V8)even((V16)low, (V16)high));
-  }
+  using Samples = std::conditional_t<kSize == 1, U8, U16>;
+  store(to + b, load_deinterleaved<Samples>(from + 2 * b).even);
 }
 
 template <size_t kSize>
 void decimate(uint8_t* to, const uint8_t* from, size_t bytes) {
-  const auto target = reinterpret_cast<uintptr_t>(to);
-  const auto source = reinterpret_cast<uintptr_t>(from);
-  const bool overlap = target < source + 2 * bytes && source < target + bytes;
-  if (bytes < kVectorBytes || overlap) return decimate_plain<kSize>(to, from, bytes);
-
+  if (!kVectorized || bytes < kVectorBytes || !no_overlap({{{from, 2 * bytes}, {to, bytes}}})) {
+    return decimate_plain<kSize>(to, from, bytes);
+  }
   size_t b = 0;
   for (; b + kVectorBytes <= bytes; b += kVectorBytes) decimate_vector<kSize>(to, from, b);
   // The last vector repeats some of the one before it.
   if (b < bytes) decimate_vector<kSize>(to, from, bytes - kVectorBytes);
 }
-
-#endif
 
 }  // namespace
 

@@ -7,8 +7,8 @@
 
 namespace zavri {
 
-// Copies every second sample of a row, the first among them, to to[0, bytes); reads below
-// from + 2 * bytes. Rows may overlap: the samples are then copied one after the other.
+// Copies the samples 0, 2, 4 .. of the row from[0, 2 * bytes) to to[0, bytes). Where the two
+// overlap the result is that of copying one sample after the other.
 using DecimateFunction = void (*)(uint8_t* to, const uint8_t* from, size_t bytes);
 
 struct DecimateKernels {

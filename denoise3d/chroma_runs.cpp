@@ -2,23 +2,29 @@
 
 #include <cstdlib>
 
-#ifndef ZAVRI_BUILD_PLAIN
 #include "simd/vec.h"
-#endif
 
 namespace zavri {
 namespace {
 
+constexpr size_t kPair = 2;  // bytes
+
 bool close_to(const uint8_t* pair, int u, int v) {
   return std::abs(pair[0] - u) < kRunTolerance && std::abs(pair[1] - v) < kRunTolerance;
+}
+
+// Sets the pairs that are close to the anchor.
+ZAVRI_INLINE U8 close_to(U8 pairs, U8 anchor) {
+  return (U8)((U16)saturating_sub(abs_diff(pairs, anchor), splat<U8>(kRunTolerance - 1)) == 0);
 }
 
 uint8_t rounded_mean(uint64_t sum, size_t count) {
   return static_cast<uint8_t>((sum + count / 2) / count);
 }
 
-// The rule, along `pairs` pairs that stand `step` bytes apart.
-void smooth_line(uint8_t* line, size_t step, size_t pairs) {
+// The rule, along `pairs` pairs that stand `step` bytes apart. Inlined into the vector form it
+// would take registers from it.
+__attribute__((noinline)) void smooth_line(uint8_t* line, size_t step, size_t pairs) {
   for (size_t first = 0; first < pairs;) {
     const int u = line[first * step];
     const int v = line[first * step + 1];
@@ -41,33 +47,9 @@ void smooth_line(uint8_t* line, size_t step, size_t pairs) {
   }
 }
 
-constexpr size_t kPair = 2;  // bytes
-
-void smooth_sequence_plain(uint8_t* plane, size_t bytes) {
-  smooth_line(plane, kPair, (bytes + 1) / kPair);
-}
-
-void smooth_columns_plain(uint8_t* plane, size_t from, size_t width, size_t rows, size_t stride) {
-  for (size_t x = from; x < width; x += kPair) smooth_line(plane + x, stride, rows);
-}
-
-#ifdef ZAVRI_BUILD_PLAIN
-
-void smooth_sequence(uint8_t* plane, size_t bytes) { smooth_sequence_plain(plane, bytes); }
-
-void smooth_columns(uint8_t* plane, size_t width, size_t rows, size_t stride) {
-  smooth_columns_plain(plane, 0, width, rows, stride);
-}
-
-#else
-
-// All bits set in the pairs that are close to the anchor.
-ZAVRI_INLINE V8 close_to(V8 pairs, V8 anchor) {
-  return (V8)((V16)above(absdiff(pairs, anchor), splat8(kRunTolerance - 1)) == 0);
-}
-
-// ceil(2^32 / n): the upper half of x * kReciprocals.of[n] is x / n, exactly, for x < 256 n. With
-// e = n * ceil(2^32 / n) - 2^32 < n the product is too large by x * e / n < 256 n < 2^32 / n.
+// of[n] is ceil(2^32 / n), and x * of[n] >> 32 is x / n rounded down, exactly, for x < 256 * n.
+// With e = n * of[n] - 2^32, which is below n, the product exceeds 2^32 * (x / n) by x * e / n <
+// 256 * n. The next integer is at least 2^32 * (1 / n) away, which is more.
 struct Reciprocals {
   uint32_t of[256];
   constexpr Reciprocals() : of{} {
@@ -82,7 +64,7 @@ uint8_t quick_mean(uint64_t sum, size_t count) {
   return static_cast<uint8_t>((sum + count / 2) * kReciprocals.of[count] >> 32);
 }
 
-// Loaded from kPrefix + kVectorBytes - n: the first n bytes set.
+// A load from bytes + kVectorBytes - n has its first n bytes set.
 constexpr struct PrefixMask {
   uint8_t bytes[2 * kVectorBytes];
   constexpr PrefixMask() : bytes{} {
@@ -90,14 +72,16 @@ constexpr struct PrefixMask {
   }
 } kPrefix;
 
-// Writes the pair over to[0, bytes); stores overlap so that none leaves the run.
+// Writes pairs to to[0, bytes) by two stores of sizeof(Word) bytes, which may overlap.
 template <class Word>
-ZAVRI_INLINE void fill_two(uint8_t* to, size_t bytes, V8 pairs) {
+ZAVRI_INLINE void fill_two(uint8_t* to, size_t bytes, U8 pairs) {
   memcpy(to, &pairs, sizeof(Word));
   memcpy(to + bytes - sizeof(Word), &pairs, sizeof(Word));
 }
 
-ZAVRI_INLINE void fill(uint8_t* to, size_t bytes, V8 pairs) {
+// Writes the one pair of which `pairs` consists all over to[0, bytes), at least twice. Stores
+// overlap where a vector or word does not divide `bytes`, so that none reaches beyond.
+ZAVRI_INLINE void fill(uint8_t* to, size_t bytes, U8 pairs) {
   if (bytes >= kVectorBytes) {
     for (size_t i = 0; i + kVectorBytes <= bytes; i += kVectorBytes) store(to + i, pairs);
     store(to + bytes - kVectorBytes, pairs);
@@ -110,28 +94,19 @@ ZAVRI_INLINE void fill(uint8_t* to, size_t bytes, V8 pairs) {
   }
 }
 
-// Sums of a run's bytes.
-struct RunSums {
-  V32 lanes_both{};
-  V32 lanes_v{};
-
-  ZAVRI_INLINE void add(V8 pairs) {
-    lanes_both = add_up(lanes_both, pairs);
-    lanes_v = add_up(lanes_v, (V8)((V16)pairs >> 8));
-  }
-};
-// A vector adds at most 8 * 255 to a lane, a pair 255 to a sum: both stay below 2^32.
+// A pair adds at most 255 to a run's sum of U or of V: in a sequence up to this length, in bytes,
+// both stay below 2^32, which PairSums takes.
 constexpr size_t kLongestSequence = size_t{1} << 25;
 
-// Smooths the run that begins at plane + first; returns where the next one does. At least one
-// vector lies before `end`.
+// Smooths the run that begins at plane + first and returns where the next one begins. At least one
+// vector lies in [first, end).
 ZAVRI_INLINE size_t smooth_run(uint8_t* plane, size_t first, size_t end) {
-  V8 pairs = load(plane + first);
-  const V8 anchor = splat_first_pair(pairs);
-  V8 close = close_to(pairs, anchor);
-  RunSums sums;
+  U8 pairs = load(plane + first);
+  const U8 anchor = splat_first_pair(pairs);
+  U8 close = close_to(pairs, anchor);
+  PairSums sums;
   size_t at = first;
-  while (all(close)) {
+  while (all_set(close)) {
     sums.add(pairs);
     at += kVectorBytes;
     if (at + kVectorBytes > end) break;
@@ -154,89 +129,85 @@ ZAVRI_INLINE size_t smooth_run(uint8_t* plane, size_t first, size_t end) {
   }
   const size_t count = (at - first) / kPair;
   if (count >= 2) {
-    const Totals sum = totals(sums.lanes_both - sums.lanes_v, sums.lanes_v);
-    const unsigned mean_u = quick_mean(sum.a + tail_u, count);
-    const unsigned mean_v = quick_mean(sum.b + tail_v, count);
-    fill(plane + first, at - first, (V8)splat16(mean_u | mean_v << 8));
+    const PairTotals sum = sums.totals();
+    const unsigned mean_u = quick_mean(sum.even + tail_u, count);
+    const unsigned mean_v = quick_mean(sum.odd + tail_v, count);
+    fill(plane + first, at - first, (U8)splat<U16>(static_cast<uint16_t>(mean_u | mean_v << 8)));
   }
   return at;
 }
 
 void smooth_sequence(uint8_t* plane, size_t bytes) {
-  if (bytes > kLongestSequence) return smooth_sequence_plain(plane, bytes);
   const size_t end = (bytes + 1) & ~size_t{1};
   size_t at = 0;
-  while (at + kVectorBytes <= end) at = smooth_run(plane, at, end);
+  if (kVectorized && end <= kLongestSequence) {
+    while (at + kVectorBytes <= end) at = smooth_run(plane, at, end);
+  }
   smooth_line(plane + at, kPair, (end - at) / kPair);
 }
 
-// floor(sum / count) in signed 16-bit lanes, for |sum| < 20 * count <= 32767.
-ZAVRI_INLINE V16 small_quotient(V16 sum, V16 count) {
-  const V16 sign = (V16)((S16)sum >> 15);
-  V16 rest = sum ^ sign;  // floor(x / n) = ~floor(~x / n)
-  V16 missed{};
-  for (int bit = 4; bit >= 0; --bit) {
-    const V16 less = rest - (count << bit);
-    missed += missed + (less >> 15);
-    rest = less < rest ? less : rest;
-  }
-  return (splat16(31) - missed) ^ sign;
-}
-
-// The runs that lead down the columns of one vector. Sums wrap, but their difference from anchor *
-// count is small: each pair adds less than kRunTolerance to it, which with the rounding term fits
-// 16 bits for kTallestColumn rows.
+// The runs that lead down the columns of one vector. The sums wrap, but by how much one exceeds
+// anchor * count stays right, because it is small: each pair adds less than kRunTolerance to it or
+// takes as little from it, which with the rounding term fits 16 bits for kTallestColumn rows.
 struct ColumnRuns {
-  V8 anchor;
-  V16 sum_u;
-  V16 sum_v;
-  V16 count;
+  U8 anchor;
+  U16 sum_u;
+  U16 sum_v;
+  U16 count;
 
-  ZAVRI_INLINE void start(V8 pairs) {
+  ZAVRI_INLINE void start(U8 pairs) {
     *this = ColumnRuns{};
-    add(pairs, V8{});
+    add(pairs, U8{});
   }
 
   // A run goes on where the mask is set and starts anew elsewhere.
-  ZAVRI_INLINE void add(V8 pairs, V8 mask) {
-    const V16 goes_on = (V16)mask;
+  ZAVRI_INLINE void add(U8 pairs, U8 mask) {
+    const U16 goes_on = (U16)mask;
     anchor = select(mask, anchor, pairs);
-    sum_u = (sum_u & goes_on) + ((V16)pairs & splat16(0xff));
-    sum_v = (sum_v & goes_on) + ((V16)pairs >> 8);
-    count = (count & goes_on) + splat16(1);
+    sum_u = (sum_u & goes_on) + ((U16)pairs & splat<U16>(0xff));
+    sum_v = (sum_v & goes_on) + ((U16)pairs >> 8);
+    count = (count & goes_on) + splat<U16>(1);
   }
 
-  ZAVRI_INLINE V8 mean() const {
-    const V16 half = count >> 1;
-    const V16 u = (V16)anchor & splat16(0xff);
-    const V16 v = (V16)anchor >> 8;
-    const V16 mean_u = u + small_quotient(sum_u - u * count + half, count);
-    const V16 mean_v = v + small_quotient(sum_v - v * count + half, count);
-    return (V8)(mean_u | mean_v << 8);
+  ZAVRI_INLINE U8 mean() const {
+    const U16 u = (U16)anchor & splat<U16>(0xff);
+    const U16 v = (U16)anchor >> 8;
+    return (U8)(mean(sum_u, u) | mean(sum_v, v) << 8);
+  }
+
+ private:
+  // The excess over anchor * count may be negative: floor(x / n) is then ~floor(~x / n). As its
+  // magnitude is below kRunTolerance * count, the quotient is a small one.
+  ZAVRI_INLINE U16 mean(U16 sum, U16 anchor_sample) const {
+    static_assert(kRunTolerance <= 32);
+    const U16 excess = sum - anchor_sample * count + (count >> 1);
+    const U16 sign = (U16)((S16)excess >> 15);
+    return anchor_sample + (small_quotient(excess ^ sign, count) ^ sign);
   }
 };
 constexpr size_t kTallestColumn = 1680;
 static_assert((kRunTolerance - 1) * kTallestColumn + kTallestColumn / 2 <= 32767);
 
-// Downwards a run's mean is left in its last row; upwards it is carried to the rows above. Two
-// vectors side by side share a row's cache line and hide each other's latencies.
+// Smooths the columns of kVectors vectors side by side. On the way down the rows a run's mean is
+// written to its last row, on the way up it is copied to the rows above. Two vectors share a row's
+// cache line and hide each other's latencies.
 template <size_t kVectors>
 void smooth_column_block(uint8_t* top, size_t rows, size_t stride) {
-  V8 goes_on[kTallestColumn][kVectors];  // set in the pairs whose run goes on in the next row
+  U8 goes_on[kTallestColumn][kVectors];  // set in the pairs whose run goes on in the next row
   ColumnRuns runs[kVectors];
   for (size_t i = 0; i < kVectors; ++i) runs[i].start(load(top + i * kVectorBytes));
   uint8_t* row = top;
   for (size_t r = 0; r + 1 < rows; ++r, row += stride) {
     for (size_t i = 0; i < kVectors; ++i) {
       uint8_t* const at = row + i * kVectorBytes;
-      const V8 below = load(at + stride);
-      const V8 close = close_to(below, runs[i].anchor);
-      if (!all(close)) store(at, select(close, load(at), runs[i].mean()));
+      const U8 below = load(at + stride);
+      const U8 close = close_to(below, runs[i].anchor);
+      if (!all_set(close)) store(at, select(close, load(at), runs[i].mean()));
       goes_on[r][i] = close;
       runs[i].add(below, close);
     }
   }
-  V8 current[kVectors];
+  U8 current[kVectors];
   for (size_t i = 0; i < kVectors; ++i) {
     current[i] = runs[i].mean();
     store(row + i * kVectorBytes, current[i]);
@@ -251,8 +222,8 @@ void smooth_column_block(uint8_t* top, size_t rows, size_t stride) {
   }
 }
 
-// From column x on, as long as whole blocks fit; returns the first column that is left. A stride
-// below a block's width would let its columns overlap.
+// Smooths the columns from x on in blocks of kVectors vectors and returns the first column that is
+// left. With a stride below a block's width its rows would overlap.
 template <size_t kVectors>
 size_t smooth_column_blocks(uint8_t* plane, size_t x, size_t width, size_t rows, size_t stride) {
   constexpr size_t kBlock = kVectors * kVectorBytes;
@@ -264,12 +235,13 @@ size_t smooth_column_blocks(uint8_t* plane, size_t x, size_t width, size_t rows,
 }
 
 void smooth_columns(uint8_t* plane, size_t width, size_t rows, size_t stride) {
-  size_t x = smooth_column_blocks<2>(plane, 0, width, rows, stride);
-  x = smooth_column_blocks<1>(plane, x, width, rows, stride);
-  smooth_columns_plain(plane, x, width, rows, stride);
+  size_t x = 0;
+  if constexpr (kVectorized) {
+    x = smooth_column_blocks<2>(plane, x, width, rows, stride);
+    x = smooth_column_blocks<1>(plane, x, width, rows, stride);
+  }
+  for (; x < width; x += kPair) smooth_line(plane + x, stride, rows);
 }
-
-#endif
 
 }  // namespace
 

@@ -13,10 +13,10 @@ namespace zavri {
 inline constexpr int kRunTolerance = 20;
 
 struct ChromaRunKernels {
-  // Runs along the pairs at the even offsets of plane[0, bytes).
+  // Smooths the runs along the pairs at the even offsets of plane[0, bytes).
   void (*smooth_sequence)(uint8_t* plane, size_t bytes);
 
-  // Runs down each of the columns of pairs at offsets 0, 2, .. below `width` of every row.
+  // Smooths the runs down each column of pairs, at the offsets 0, 2, .. below `width` of its rows.
   void (*smooth_columns)(uint8_t* plane, size_t width, size_t rows, size_t stride);
 };
 

@@ -2,9 +2,8 @@
 
 #include <cstdlib>
 
-#ifndef ZAVRI_BUILD_PLAIN
+#include "simd/overlap.h"
 #include "simd/vec.h"
-#endif
 
 namespace zavri {
 namespace {
@@ -15,14 +14,56 @@ constexpr bool uses_ramp(MergeKind kind) {
 constexpr bool writes_chroma(MergeKind kind) { return kind != MergeKind::kEdgesLuma; }
 constexpr bool writes_luma(MergeKind kind) { return kind != MergeKind::kChroma; }
 
-bool within(int value, int reference, int limit) { return std::abs(value - reference) <= limit; }
-
-// Mean of `count` values, the reference among them. Three values count the reference twice, and
-// round otherwise than four do: tuned devices rely on both.
+// The mean of `count` values with the sum `sum`. Three values count the reference twice and round
+// otherwise than four do: tuned devices rely on both.
 uint8_t mean(int sum, int reference, int count) {
   if (count == 2) return static_cast<uint8_t>((sum + 1) >> 1);
   if (count == 3) return static_cast<uint8_t>((sum + reference + 2) >> 2);
   return static_cast<uint8_t>((sum + 1) >> 2);
+}
+
+// The same mean of r, the reference, and those of other[0, kOthers) whose mask is set. It never
+// leaves the bytes, because it averages two values at a time:
+//   two     (r + a + 1) >> 1        = avg_round_up(r, a)
+//   three   (2r + a + b + 2) >> 2   = avg_round_up(avg_round_down(a, b), r): with a + b = 2f + e
+//                                     the sum is 2(r + f + 1) + e, and an even number stays in its
+//                                     quarter when e, 0 or 1, is added
+//   four    (r + a + b + c + 1) >> 2: with r + a = 2p + d and b + c = 2q + e the sum is
+//                                     2(p + q) + d + e + 1, where d + e + 1 reaches 2, and so
+//                                     rounds (p + q) / 2 up, exactly when d or e is 1
+// One formula serves all counts: the frames that agree stand in for those that do not. With a alone
+// of three frames it is avg_round_up(avg_round_down(a, a), r), the mean of two.
+template <int kOthers>
+ZAVRI_INLINE U8 mean(U8 r, const U8* other, const U8* agrees) {
+  const U8 o0 = other[0];
+  const U8 m0 = agrees[0];
+  if constexpr (kOthers == 1) {
+    return select(m0, avg_round_up(r, o0), r);
+  } else if constexpr (kOthers == 2) {
+    const U8 a = select(m0, o0, other[1]);
+    const U8 b = select(agrees[1], other[1], o0);
+    return select(m0 | agrees[1], avg_round_up(avg_round_down(a, b), r), r);
+  } else {
+    const U8 o1 = other[1];
+    const U8 o2 = other[2];
+    const U8 m1 = agrees[1];
+    const U8 m2 = agrees[2];
+    const U8 a = select(m0, o0, select(m1, o1, o2));
+    const U8 b = select(m2, o2, select(m1, o1, o0));
+    const U8 of_some = avg_round_up(avg_round_down(a, b), r);
+    const U8 p = avg_round_down(r, o0);
+    const U8 q = avg_round_down(o1, o2);
+    const U8 odd = ((r ^ o0) | (o1 ^ o2)) & 1;
+    const U8 of_all = avg_round_down(p, q) + ((p ^ q) & odd);
+    return select(m0 & m1 & m2, of_all, select(m0 | m1 | m2, of_some, r));
+  }
+}
+
+bool within(int value, int reference, int limit) { return std::abs(value - reference) <= limit; }
+
+// Sets both bytes of the pairs of which both bytes are within the limits of the reference.
+ZAVRI_INLINE U8 pairs_within(U8 pairs, U8 reference, U8 limits) {
+  return (U8)((U16)saturating_sub(abs_diff(pairs, reference), limits) == 0);
 }
 
 // The rule, for the position at offset b.
@@ -59,139 +100,85 @@ void merge_position(const MergeRow& row, size_t b, const MergeLimits& limits) {
   }
 }
 
+// The positions of one vector. A row is read before it is written; bytes that stay as they are are
+// written back.
 template <MergeKind kKind, int kOthers>
-void merge_plain(const MergeRow& row, size_t from, size_t bytes, const MergeLimits& limits) {
-  for (size_t b = from; b < bytes; b += 2) merge_position<kKind, kOthers>(row, b, limits);
-}
-
-#ifdef ZAVRI_BUILD_PLAIN
-
-template <MergeKind kKind, int kOthers>
-void merge(const MergeRow& row, size_t bytes, const MergeLimits& limits) {
-  merge_plain<kKind, kOthers>(row, 0, bytes, limits);
-}
-
-#else
-
-// Lanes are computed at once, the rule goes from position to position: the same bytes only if no
-// position writes what another one reads. Rows that drifting edge sections led into one another,
-// or luma rows that reach into the chroma plane, may fail this.
-template <MergeKind kKind, int kOthers>
-bool positions_are_independent(const MergeRow& row, size_t bytes) {
-  const auto apart = [bytes](const uint8_t* a, const uint8_t* b) {
-    const auto distance = reinterpret_cast<uintptr_t>(a) - reinterpret_cast<uintptr_t>(b);
-    return distance + (bytes - 1) > 2 * (bytes - 1);
-  };
-  // `counterpart` is the row whose lanes are read before it is written itself.
-  const uint8_t* const rows[] = {row.uv, row.y0, row.y1};
-  enum Row { kUv, kY0, kY1 };
-  const auto undisturbed = [&](const uint8_t* read, Row counterpart) {
-    bool result = true;
-    for (int written = writes_chroma(kKind) ? kUv : kY0;
-         written <= (writes_luma(kKind) ? kY1 : kUv); ++written) {
-      const bool same_lanes = written == counterpart && read == rows[written];
-      result &= same_lanes || apart(read, rows[written]);
-    }
-    return result;
-  };
-  bool result = undisturbed(row.uv, kUv);
-  for (int k = 0; k < kOthers; ++k) result &= undisturbed(row.other_uv[k], kUv);
-  if (writes_luma(kKind)) {
-    result &= undisturbed(row.y0, kY0) && undisturbed(row.y1, kY1);
-    for (int k = 0; k < kOthers; ++k) result &= undisturbed(row.other_y[k], kY0);
-  }
-  return result;
-}
-
-// All bits set in both bytes of the pairs that are within the limits.
-ZAVRI_INLINE V8 agreement(V8 reference, V8 other, V8 limits) {
-  return (V8)((V16)above(absdiff(reference, other), limits) == 0);
-}
-
-// The rule's mean in bytes, for the frames whose mask is set, without widening:
-//   two     (r + a + 1) >> 1        = avg_up(r, a)
-//   three   (2r + a + b + 2) >> 2   = avg_up(avg_down(a, b), r); with a + b = 2f + e, the even
-//                                     number 2f + 2r + 2 stays in its quarter when e is added
-//   four    (r + a + b + c + 1) >> 2: with r + a = 2p + d, b + c = 2q + e it is
-//                                     (2(p + q) + d + e + 1) >> 2, where d + e + 1 reaches 2, and
-//                                     so rounds p + q up, exactly when d or e is set
-// A frame that does not agree is replaced by one that does, so that one formula serves all counts.
-template <int kOthers>
-ZAVRI_INLINE V8 mean(V8 reference, const V8* other, const V8* agrees) {
-  const V8 r = reference;
-  const V8 o0 = other[0];
-  const V8 m0 = agrees[0];
-  if constexpr (kOthers == 1) {
-    return select(m0, avg_up(r, o0), r);
-  } else if constexpr (kOthers == 2) {
-    const V8 a = select(m0, o0, other[1]);
-    const V8 b = select(agrees[1], other[1], o0);
-    return select(m0 | agrees[1], avg_up(avg_down(a, b), r), r);
-  } else {
-    const V8 o1 = other[1];
-    const V8 o2 = other[2];
-    const V8 m1 = agrees[1];
-    const V8 m2 = agrees[2];
-    const V8 a = select(m0, o0, select(m1, o1, o2));
-    const V8 b = select(m2, o2, select(m1, o1, o0));
-    const V8 some = avg_up(avg_down(a, b), r);
-    const V8 p = avg_down(r, o0);
-    const V8 q = avg_down(o1, o2);
-    const V8 odd = ((r ^ o0) | (o1 ^ o2)) & 1;
-    const V8 all = avg_down(p, q) + ((p ^ q) & odd);
-    return select(m0 & m1 & m2, all, select(m0 | m1 | m2, some, r));
-  }
-}
-
-// The positions of one vector. Everything is read before anything is written; bytes that stay as
-// they are are written back.
-template <MergeKind kKind, int kOthers>
-ZAVRI_INLINE void merge_vector(const MergeRow& row, size_t b, V8 chroma_limits, V8 luma_limits) {
-  const V8 uv = load(row.uv + b);
-  V8 other[kOthers];
-  V8 agrees[kOthers];
-  V8 some_agree{};
+ZAVRI_INLINE void merge_vector(const MergeRow& row, size_t b, U8 chroma_limits, U8 luma_limits) {
+  const U8 uv = load(row.uv + b);
+  U8 other[kOthers];
+  U8 agrees[kOthers];
+  U8 some_agree{};
   for (int k = 0; k < kOthers; ++k) {
     other[k] = load(row.other_uv[k] + b);
-    agrees[k] = agreement(uv, other[k], chroma_limits);
+    agrees[k] = pairs_within(other[k], uv, chroma_limits);
     some_agree |= agrees[k];
   }
   if constexpr (writes_chroma(kKind)) store(row.uv + b, mean<kOthers>(uv, other, agrees));
   if constexpr (writes_luma(kKind)) {
-    const V8 y0 = load(row.y0 + b);
-    const V8 y1 = load(row.y1 + b);
+    const U8 y0 = load(row.y0 + b);
+    const U8 y1 = load(row.y1 + b);
     for (int k = 0; k < kOthers; ++k) other[k] = load(row.other_y[k] + b);
-    const V8 merged = mean<kOthers>(y0, other, agrees);
-    // Only the even byte of a pair is tested; it goes into both columns.
-    const V16 moved_too_far = (V16)above(absdiff(merged, y0), luma_limits) << 8;
-    const V8 accepted = some_agree & (V8)(moved_too_far == 0);
-    const V16 even = (V16)merged << 8;
-    const V8 flat = (V8)(even | even >> 8);
+    const U8 merged = mean<kOthers>(y0, other, agrees);
+    // The even byte of a pair is the merged luma, which the rule tests and writes to both columns.
+    const U16 beyond = (U16)saturating_sub(abs_diff(merged, y0), luma_limits) << 8;
+    const U8 accepted = some_agree & (U8)(beyond == 0);
+    const U8 flat = duplicate_even(merged);
     store(row.y0 + b, select(accepted, flat, y0));
     store(row.y1 + b, select(accepted, flat, y1));
   }
 }
 
+// Merges whole vectors of positions; returns the offset of the first position that is left.
+template <MergeKind kKind, int kOthers>
+ZAVRI_INLINE size_t merge_vectors(const MergeRow& row, size_t bytes, const MergeLimits& limits) {
+  const MergeRow rows = row;  // a copy that no store can alias
+  const U8 chroma = splat<U8>(limits.chroma);
+  const U8 luma = splat<U8>(limits.luma);
+  size_t b = 0;
+  for (; b + kVectorBytes <= bytes; b += kVectorBytes) {
+    if constexpr (uses_ramp(kKind)) {
+      const U8 ramp = load(limits.ramp + b);
+      merge_vector<kKind, kOthers>(rows, b, ramp, ramp);
+    } else {
+      merge_vector<kKind, kOthers>(rows, b, chroma, luma);
+    }
+  }
+  return b;
+}
+
+// Whether no position writes what another one reads, so that the order of positions does not show.
+// One does where drifting edge sections led rows into one another, and where luma rows reach into
+// the chroma plane.
+template <MergeKind kKind, int kOthers>
+bool positions_are_independent(const MergeRow& row, size_t bytes) {
+  enum Place { kUv, kY0, kY1 };
+  const uint8_t* const written[] = {row.uv, row.y0, row.y1};
+  // A row that is read may begin where the written row of its place does: position by position and
+  // vector by vector, reading comes first.
+  const auto independent = [&](const uint8_t* read, Place place) {
+    for (int w = writes_chroma(kKind) ? kUv : kY0; w <= (writes_luma(kKind) ? kY1 : kUv); ++w) {
+      const bool in_place = w == place && read == written[w];
+      if (!in_place && overlap({read, bytes}, {written[w], bytes})) return false;
+    }
+    return true;
+  };
+  bool result = independent(row.uv, kUv);
+  for (int k = 0; k < kOthers; ++k) result &= independent(row.other_uv[k], kUv);
+  if constexpr (writes_luma(kKind)) {
+    result &= independent(row.y0, kY0) && independent(row.y1, kY1);
+    for (int k = 0; k < kOthers; ++k) result &= independent(row.other_y[k], kY0);
+  }
+  return result;
+}
+
 template <MergeKind kKind, int kOthers>
 void merge(const MergeRow& row, size_t bytes, const MergeLimits& limits) {
   size_t b = 0;
-  if (positions_are_independent<kKind, kOthers>(row, bytes)) {
-    const MergeRow rows = row;  // a copy that no store can alias
-    const V8 chroma = splat8(limits.chroma);
-    const V8 luma = splat8(limits.luma);
-    for (; b + kVectorBytes <= bytes; b += kVectorBytes) {
-      if constexpr (uses_ramp(kKind)) {
-        const V8 ramp = load(limits.ramp + b);
-        merge_vector<kKind, kOthers>(rows, b, ramp, ramp);
-      } else {
-        merge_vector<kKind, kOthers>(rows, b, chroma, luma);
-      }
-    }
+  if (kVectorized && positions_are_independent<kKind, kOthers>(row, bytes)) {
+    b = merge_vectors<kKind, kOthers>(row, bytes, limits);
   }
-  merge_plain<kKind, kOthers>(row, b, bytes, limits);
+  for (; b < bytes; b += 2) merge_position<kKind, kOthers>(row, b, limits);
 }
-
-#endif
 
 }  // namespace
 

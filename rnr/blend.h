@@ -7,16 +7,17 @@
 
 namespace zavri {
 
-// For i in [0, count), to[i] is
+// From this weight on the blurred value stands alone: on purpose below 128, from where the formula
+// gives it anyway.
+inline constexpr uint8_t kBlurAlone = 121;
+
+// For i in [0, count), to[i] becomes blurred[i] where weight[i] reaches kBlurAlone, and elsewhere
 //
 //   ((128 - weight[i]) * sharp[i] + weight[i] * blurred[i]) >> 7
 //
-// and from a weight of kBlurAlone on the blurred value alone. `to` overlaps none of the others.
+// `to` overlaps none of the others.
 using BlendFunction = void (*)(uint8_t* to, const uint8_t* sharp, const uint8_t* blurred,
                                const uint8_t* weight, size_t count);
-
-// On purpose below 128, where that comes out anyway.
-inline constexpr uint8_t kBlurAlone = 121;
 
 BlendFunction blend_kernel(PlainBuild);
 BlendFunction blend_kernel(Vector16Build);

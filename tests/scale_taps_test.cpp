@@ -7,8 +7,11 @@
 
 #include "tests/support/samples.h"
 
-namespace zavri::testing {
+namespace zavri::host {
 namespace {
+
+using testing::pick;
+using testing::Random;
 
 constexpr uint32_t kLargest = 0x7fffffff;
 
@@ -46,4 +49,4 @@ TEST(ScaleTaps, PositionsAreExactHoweverLongTheWalk) {
 }
 
 }  // namespace
-}  // namespace zavri::testing
+}  // namespace zavri::host

@@ -3,12 +3,8 @@
 #include <algorithm>
 #include <cstdlib>
 
-#ifndef ZAVRI_BUILD_PLAIN
-#include "simd/weighted_sums.h"
-#if ZAVRI_HAS_WEIGHTED_SUMS
-#include "uvdenoise/grid_blocks.h"
-#endif
-#endif
+#include "simd/vec.h"
+#include "uvdenoise/chroma_window_vector_lines.h"
 
 namespace zavri {
 namespace {
@@ -20,7 +16,7 @@ void each_neighbour(const uint8_t* centre, ptrdiff_t step, Window window, Add ad
   for (int k = 1; k <= window.after; ++k) add(centre + k * step);
 }
 
-// The rule, for one sample.
+// The rule of the weighted mean, for one sample.
 void filter_sample(uint8_t* centre, ptrdiff_t step, Window window, const Weights& weights) {
   const int u = centre[0];
   const int v = centre[1];
@@ -35,14 +31,15 @@ void filter_sample(uint8_t* centre, ptrdiff_t step, Window window, const Weights
     sum_v += weight * neighbour[1];
     sum += weight;
   });
-  // Negative weights may leave any sum: means are cut to their low bytes, and a sum of zero ends in
-  // the processor's division by zero.
+  // Negative weights may leave any sum. A mean is then cut to its low byte, and a sum of zero ends
+  // in the processor's division by zero.
   centre[0] = static_cast<uint8_t>((sum_u + (sum >> 1)) / sum);
   centre[1] = static_cast<uint8_t>((sum_v + (sum >> 1)) / sum);
 }
 
 struct FixedTolerance {};
 
+// The rule of the plain mean.
 void filter_sample(uint8_t* centre, ptrdiff_t step, Window window, FixedTolerance) {
   const int u = centre[0];
   const int v = centre[1];
@@ -74,7 +71,8 @@ void filter_rows_plain(const Grid& grid, const Pass& pass, const Rule& rule) {
   }
 }
 
-// Row after row, which matters where a row step is so short that columns overlap.
+// The rows are filtered one after the other, which shows where the row step is so short that
+// columns overlap.
 template <class Rule>
 void filter_columns_plain(const Grid& grid, const Pass& pass, const Rule& rule) {
   for (const Span& span : pass.spans) {
@@ -87,28 +85,15 @@ void filter_columns_plain(const Grid& grid, const Pass& pass, const Rule& rule) 
   }
 }
 
-#if defined(ZAVRI_BUILD_PLAIN) || !ZAVRI_HAS_WEIGHTED_SUMS
-
-template <class Rule>
-void filter_rows(const Grid& grid, const Pass& pass, const Rule& rule) {
-  filter_rows_plain(grid, pass, rule);
-}
-
-template <class Rule>
-void filter_columns(const Grid& grid, const Pass& pass, const Rule& rule) {
-  filter_columns_plain(grid, pass, rule);
-}
-
-#else
-
-constexpr ptrdiff_t kChunk = 128;  // samples of each line at a time, which the nearest cache holds
+// So many samples of each line are filtered at a time: the nearest cache holds them.
+constexpr ptrdiff_t kChunk = 128;
 constexpr ptrdiff_t kShortestChunk = kShortestWindow + 1;
 static_assert(kShortestChunk >= kQuads);
 
-// Filters the lines of a block. Neighbours are read again for every span and chunk, so that those
+// Filters the lines of a group. Each span and each chunk reads its neighbours anew, so that those
 // before it are filtered ones.
-template <class Block, class Mean>
-void filter_lines(const Block& block, const Pass& pass, const Mean& mean) {
+template <class Lines, class Mean>
+void filter_lines(const Lines& lines, const Pass& pass, const Mean& mean) {
   Cell cells[kChunk + kLongestWindow];
   for (const Span& span : pass.spans) {
     const Window window = span.window;
@@ -116,40 +101,33 @@ void filter_lines(const Block& block, const Pass& pass, const Mean& mean) {
     const ptrdiff_t end = span.from + static_cast<ptrdiff_t>(span.count);
     for (ptrdiff_t at = span.from; at < end; at += kChunk) {
       const ptrdiff_t count = std::min(kChunk, end - at);
-      block.load(cells, at - window.before, window.before + count + window.after);
+      lines.load(cells, at - window.before, window.before + count + window.after);
       for (ptrdiff_t i = 0; i < count; ++i) centres[i] = filtered(centres + i, window, mean);
-      block.store(centres, at, count);
+      lines.store(centres, at, count);
     }
   }
 }
 
 template <class Mean>
-void filter_row_blocks(const Grid& grid, const Pass& pass, const Mean& mean) {
+void filter_row_groups(const Grid& grid, const Pass& pass, const Mean& mean) {
   const auto rows = static_cast<ptrdiff_t>(grid.rows);
   for (ptrdiff_t i = 0; i < rows; i += kLines) {
-    filter_lines(RowBlock(grid, i, std::min(kLines, rows - i)), pass, mean);
+    filter_lines(RowGroup(grid, i, std::min(kLines, rows - i)), pass, mean);
   }
 }
-
-bool fills_a_block(const Grid& grid) { return static_cast<ptrdiff_t>(grid.columns) >= kLines; }
 
 template <class Mean>
-void filter_column_blocks(const Grid& grid, const Pass& pass, const Mean& mean) {
+void filter_column_groups(const Grid& grid, const Pass& pass, const Mean& mean) {
   const auto columns = static_cast<ptrdiff_t>(grid.columns);
   for (ptrdiff_t j = 0; j < columns; j += kLines) {
-    // The last block begins with columns of the one before it.
+    // The last group begins with columns of the one before it.
     const ptrdiff_t first = std::min(j, columns - kLines);
-    filter_lines(ColumnBlock(grid, first, j - first), pass, mean);
+    filter_lines(ColumnGroup(grid, first, j - first), pass, mean);
   }
 }
 
-// Lanes are filtered at once, the rule goes from line to line: the same bytes only if no line
-// touches another one.
-bool lines_are_apart(const Grid& grid) {
-  return grid.row_step >= static_cast<ptrdiff_t>(grid.columns) * kColumnStep;
-}
-
-// Calls `filter` with the rule's vector form, which has the smallest table that holds the weights.
+// Calls `filter` with the rule's mean in vectors. The smallest table that holds the weights is the
+// fastest.
 template <class Filter>
 void with_mean(const Weights& weights, Filter filter) {
   if (weights.threshold <= 16) return filter(WeightedMean<16>(weights));
@@ -165,23 +143,28 @@ void with_mean(FixedTolerance, Filter filter) {
 
 bool fits_16_bits(const Pass&, FixedTolerance) { return true; }
 
+// Whether the vector form filters as the rule does. It filters the lines of a group at once, the
+// rule one line after the other: the same bytes only if lines do not touch each other.
+template <class Rule>
+bool takes_vectors(const Grid& grid, const Pass& pass, const Rule& rule) {
+  return kVectorized && kHasByteTables && fits_16_bits(pass, rule) &&
+         grid.row_step >= static_cast<ptrdiff_t>(grid.columns) * kColumnStep;
+}
+
 template <class Rule>
 void filter_rows(const Grid& grid, const Pass& pass, const Rule& rule) {
-  if (!lines_are_apart(grid) || !fits_16_bits(pass, rule)) {
-    return filter_rows_plain(grid, pass, rule);
-  }
-  with_mean(rule, [&](const auto& mean) { filter_row_blocks(grid, pass, mean); });
+  if (!takes_vectors(grid, pass, rule)) return filter_rows_plain(grid, pass, rule);
+  with_mean(rule, [&](const auto& mean) { filter_row_groups(grid, pass, mean); });
 }
 
 template <class Rule>
 void filter_columns(const Grid& grid, const Pass& pass, const Rule& rule) {
-  if (!fills_a_block(grid) || !lines_are_apart(grid) || !fits_16_bits(pass, rule)) {
+  const bool fills_a_group = static_cast<ptrdiff_t>(grid.columns) >= kLines;
+  if (!fills_a_group || !takes_vectors(grid, pass, rule)) {
     return filter_columns_plain(grid, pass, rule);
   }
-  with_mean(rule, [&](const auto& mean) { filter_column_blocks(grid, pass, mean); });
+  with_mean(rule, [&](const auto& mean) { filter_column_groups(grid, pass, mean); });
 }
-
-#endif
 
 void tolerant_rows(const Grid& grid, const Pass& pass) {
   filter_rows(grid, pass, FixedTolerance{});

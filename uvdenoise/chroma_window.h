@@ -7,9 +7,9 @@
 
 namespace zavri {
 
-// Kernels of the chroma denoise: in-place filters with a one-dimensional window over the samples of
-// a grid, every second (U, V) pair of every second chroma row. Samples are worked in order, so that
-// those before the centre are already filtered ones.
+// Kernels of the chroma denoise. They filter the samples of a grid, every second (U, V) pair of
+// every second chroma row, in place and with a one-dimensional window. Samples are filtered in
+// order, so that those before the centre are already filtered ones.
 //
 //   row 0   UV .. UV .. UV ..      grid column j is at byte 4j of its row
 //           .. .. .. .. .. ..
@@ -27,7 +27,7 @@ struct Window {
   int before;
   int after;
 };
-// Of before + after.
+// Bounds of before + after; those of the plain mean reach less far.
 inline constexpr int kShortestWindow = 6;
 inline constexpr int kLongestWindow = 18;
 inline constexpr int kLongestTolerantWindow = 10;
@@ -44,12 +44,12 @@ struct Pass {
   Span spans[3];
 };
 
-// What the windows of the weighted mean differ in. The one of the left border leads to the right,
-// that of the right border, one sample shorter, to the left; those of the upper and lower borders
-// are 2 * reach long.
+// The windows of the weighted mean differ in these numbers of neighbours. In the middle there are
+// `reach` on either side of the centre. At the left border there are `left_border` to the right, at
+// the right border one less to the left, and at the upper and lower borders 2 * reach inwards.
 struct Taps {
-  int reach;        // on either side of the centre
-  int left_border;  // samples
+  int reach;
+  int left_border;
 };
 inline constexpr Taps kTaps7 = {3, 10};
 inline constexpr Taps kTaps11 = {5, 15};
@@ -61,8 +61,8 @@ constexpr Pass middle_pass(int reach, uint32_t middle) {
   return {{{reach, middle, {reach, reach}}}};
 }
 
-// The same between two borders, of which the latter is filtered a second time. The line's last
-// `reach` samples never are.
+// Filters the same samples between two borders: the first `reach` samples before them, and the last
+// `reach` of them a second time after them. The line's last `reach` samples are never filtered.
 constexpr Pass bordered_pass(int reach, uint32_t middle, int after_first, int before_last) {
   const auto border = static_cast<uint32_t>(reach);
   return {{{0, border, {0, after_first}},
@@ -90,7 +90,7 @@ struct Weights {
 inline constexpr int kFixedTolerance = 19;
 
 struct ChromaWindowKernels {
-  // Passes along every row and down every column of the grid.
+  // These run a pass along every row and down every column of the grid.
   void (*weighted_rows)(const Grid& grid, const Pass& pass, const Weights& weights);
   void (*weighted_columns)(const Grid& grid, const Pass& pass, const Weights& weights);
 

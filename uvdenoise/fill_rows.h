@@ -7,14 +7,14 @@
 
 namespace zavri {
 
-// A block is 8 bytes of a chroma row: a pair of the grid, a pair to fill, and both again.
+// A block is 8 bytes of a chroma row: two cells of a pair of the grid and a pair to fill.
 inline constexpr size_t kFillBlock = 8;
 
-// Row kernels of the grid's fill step. Means are rounded down.
+// Row kernels of the grid's fill step. All means are rounded down.
 struct FillRowKernels {
-  // Fills the pairs between the grid's pairs of `blocks` blocks with the mean of their neighbours;
-  // the first pair of the block after them is read. The plain rule writes the filled pairs alone,
-  // the vector forms write the grid's pairs back.
+  // Fills each pair between two of the grid with their mean, in `blocks` blocks; reads the first
+  // pair of the block after them, too. The plain rule writes the filled pairs alone, the vector
+  // forms write the grid's pairs back.
   void (*fill_row)(uint8_t* row, size_t blocks);
 
   void (*average_rows)(uint8_t* to, const uint8_t* above, const uint8_t* below, size_t bytes);

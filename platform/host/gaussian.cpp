@@ -3,11 +3,11 @@
 #include <algorithm>
 #include <iterator>
 
-namespace zavri {
+namespace zavri::host {
 namespace {
 
-// Few enough for the nearest cache, and for the tables that translate a page per row; yet each band
-// sums the rows around it anew.
+// A band of this height fits the nearest cache, and its pages fit the processor's table of
+// translations. A lower one would sum more rows twice, since each band sums those around it anew.
 constexpr size_t kBandRows = 16;
 
 }  // namespace
@@ -27,4 +27,4 @@ void blur_gaussian(const uint8_t* from, size_t width, size_t height, uint8_t* to
   }
 }
 
-}  // namespace zavri
+}  // namespace zavri::host

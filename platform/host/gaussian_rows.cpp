@@ -1,26 +1,21 @@
 #include <algorithm>
 
 #include "platform/host/gaussian.h"
+#include "platform/host/lanes.h"
 
-#ifndef ZAVRI_BUILD_PLAIN
-#include "simd/wide.h"
-#endif
-
-namespace zavri {
+namespace zavri::host {
 namespace {
 
 constexpr size_t kTaps = 2 * kGaussianReach + 1;
-constexpr int kShift = 8;  // both weight sets sum to 16
+constexpr int kShift = 8;  // the weights along and those across sum to 16 each
 constexpr int kHalf = 1 << (kShift - 1);
 
-// Fed with x[0], x[1] .., returns x[n - 4] + 4 * x[n - 3] + 6 * x[n - 2] + 4 * x[n - 1] + x[n]: the
-// sum of two neighbours, four times over. For the blur 16 bits hold it, also with kHalf: 65408.
+// feed(x[0]), feed(x[1]) .. return x[n - 4] + 4 * x[n - 3] + 6 * x[n - 2] + 4 * x[n - 1] + x[n],
+// which is the sum of two neighbours taken four times over. 16 bits hold the blur's: it is at most
+// 16 * 16 * 255 = 65280, and 65408 with kHalf.
 template <class T>
 struct Binomial {
-#ifndef ZAVRI_BUILD_PLAIN
-  ZAVRI_INLINE
-#endif
-  T feed(T x) {
+  ZAVRI_INLINE T feed(T x) {
     const T once = static_cast<T>(last[0] + x);
     const T twice = static_cast<T>(last[1] + once);
     const T thrice = static_cast<T>(last[2] + twice);
@@ -35,7 +30,8 @@ struct Binomial {
   T last[kTaps - 1]{};
 };
 
-// The band is a copy, which the stores of bytes cannot change.
+// Takes a copy of the band, because the compiler must assume that a store of bytes changes the
+// caller's.
 void blur_plain(GaussianBand band, size_t first, size_t last) {
   for (size_t x = first; x < last; ++x) {
     size_t columns[kTaps];
@@ -54,54 +50,47 @@ void blur_plain(GaussianBand band, size_t first, size_t last) {
   }
 }
 
-#ifdef ZAVRI_BUILD_PLAIN
-
-void blur(const GaussianBand& band, size_t first, size_t last) { blur_plain(band, first, last); }
-
-#else
-
 // The sums along a row, centred on row[0] and the bytes after it.
-ZAVRI_INLINE Widened sums_along(const uint8_t* row) {
+ZAVRI_INLINE Wide sums_along(const uint8_t* row) {
   static_assert(kGaussianReach == 2);
-  const Widened sums = add_products(widen(load(row + 2)), load(row - 2), 1, load(row - 1), 4);
-  return add_products(sums, load(row), 6, load(row + 1), 4);
+  const Wide sums = add_samples(widen(load(row + 2), U8{}), load(row - 2), 1, load(row - 1), 4);
+  return add_samples(sums, load(row), 6, load(row + 1), 4);
 }
 
-// Bytes that are asked for ahead of a row's vector: walking down the rows, a vector's width at a
-// time, is no pattern that processors foresee.
+// Rows are fetched so many bytes ahead, because walking down the rows, a vector's width at a time,
+// is no pattern that processors foresee.
 constexpr size_t kAhead = 128;
 
-// A vector's width of columns, all with their neighbours inside.
+// Blurs a vector's width of columns from x on, whose neighbours all lie inside.
 ZAVRI_INLINE void blur_columns(const GaussianBand& band, size_t x) {
-  Binomial<V16> down[2];
+  Binomial<U16> lower;
+  Binomial<U16> upper;
   const auto feed = [&](size_t j) {
     __builtin_prefetch(band.rows[j] + x + kAhead);
-    const Widened sums = sums_along(band.rows[j] + x);
-    return Widened{{down[0].feed(sums.part[0]), down[1].feed(sums.part[1])}};
+    const Wide sums = sums_along(band.rows[j] + x);
+    return Wide{lower.feed(sums.lower), upper.feed(sums.upper)};
   };
   for (size_t j = 0; j < kTaps - 1; ++j) feed(j);
   uint8_t* to = band.to + x;
   for (size_t row = 0; row < band.count; ++row, to += band.width) {
-    const Widened sums = feed(row + kTaps - 1);
+    const Wide sums = feed(row + kTaps - 1);
     __builtin_prefetch(to + kAhead, 1);
-    store(to, narrow({{(sums.part[0] + kHalf) >> kShift, (sums.part[1] + kHalf) >> kShift}}));
+    store(to, narrow(Wide{(sums.lower + kHalf) >> kShift, (sums.upper + kHalf) >> kShift}));
   }
 }
 
 void blur(const GaussianBand& band, size_t first, size_t last) {
   const size_t begin = std::max(first, kGaussianReach);
   const size_t end = std::min(last, band.width - std::min(band.width, kGaussianReach));
-  if (end < begin + kVectorBytes) return blur_plain(band, first, last);
+  if (!kVectorized || end < begin + kVectorBytes) return blur_plain(band, first, last);
   blur_plain(band, first, begin);
   for (size_t x = begin; x + kVectorBytes <= end; x += kVectorBytes) blur_columns(band, x);
   blur_columns(band, end - kVectorBytes);  // repeats some of the columns before it
   blur_plain(band, end, last);
 }
 
-#endif
-
 }  // namespace
 
 GaussianFunction gaussian_kernel(ThisBuild) { return blur; }
 
-}  // namespace zavri
+}  // namespace zavri::host

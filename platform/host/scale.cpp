@@ -8,14 +8,14 @@
 #include "platform/host/scale_rows.h"
 #include "platform/host/scale_taps.h"
 
-namespace zavri {
+namespace zavri::host {
 namespace {
 
 struct Free {
   void operator()(void* block) const { free(block); }
 };
 
-// Arrays with one entry for each column, in one block of memory.
+// Arrays with one entry for each column of the result, in one block of memory.
 class Columns {
  public:
   explicit Columns(uint32_t count) : count_((size_t{count} + kAlign - 1) / kAlign * kAlign) {
@@ -37,7 +37,9 @@ class Columns {
   int16_t* sums(uint32_t row) const { return signed_array(2 + kTaps + row); }
 
  private:
-  static constexpr size_t kAlign = 64;  // bytes and entries: no array shares a cache line
+  // The block begins at a multiple of so many bytes and each array has a multiple of so many
+  // entries: no two arrays share a cache line.
+  static constexpr size_t kAlign = 64;
   static constexpr size_t kTaps = 4;
   static constexpr size_t kBytes = 2 * sizeof(uint32_t) + (2 + 2 * kTaps) * sizeof(uint16_t);
 
@@ -57,8 +59,9 @@ void copy(const Source& source, const Target& target) {
   }
 }
 
-// In units of half samples, each position rounded down lies half a sample or less before the one
-// that contains it.
+// The sample that contains a position, given in half samples: sample k reaches from 2k - 1 to 2k
+// + 1. A position of 2.7 half samples, say, is floored to 2, and (2 + 1) >> 1 is sample 1, from 1
+// to 3.
 uint32_t containing(const Positions& halves) {
   return static_cast<uint32_t>((halves.floor() + 1) >> 1);
 }
@@ -76,7 +79,10 @@ void scale_nearest(const Source& source, const Target& target, const Columns& co
   }
 }
 
-// Plans the lookups of samples that lie no wider than the source's.
+// Plans the lookups of an enlargement, whose kWindowOutputs neighbouring samples have their taps
+// within one window of the source. A sample's first two taps stand at d and d + 1 of its window:
+// d * 0x101 puts d into both bytes of the pair, 0x100 adds 1 to the high one, so that 5 becomes
+// 0x0605.
 void plan_windows(const Columns& columns, uint32_t source_count, uint32_t count) {
   const uint32_t* const first = columns.first();
   const uint32_t last_window = source_count - static_cast<uint32_t>(kWindow);
@@ -90,8 +96,10 @@ void plan_windows(const Columns& columns, uint32_t source_count, uint32_t count)
   }
 }
 
+// Puts the two weights of a linear sample into one pair of bytes. A weight of 256, beside one of 0,
+// fits no byte: both bytes are 128 then, and both taps are the one that weighs 256.
 void plan_pair_weights(const Columns& columns, uint32_t count) {
-  constexpr int kWhole = 256;  // fits no byte: half of it twice
+  constexpr int kWhole = 256;
   for (uint32_t x = 0; x < count; ++x) {
     const int low = columns.weights(0)[x];
     const int high = columns.weights(1)[x];
@@ -125,7 +133,8 @@ RowPlan plan_row(const Columns& columns, TapWalk walk, uint32_t from, uint32_t t
   return plan;
 }
 
-// Every source row is filtered at most once: as many rows of sums as there are taps go round.
+// Filters every source row at most once: there are as many rows of sums as taps, and a new one
+// takes the place of the one that is needed no longer.
 template <class TapWalk>
 void scale_rows(const Source& source, const Target& target, const Columns& columns, Scheme scheme,
                 const TapWalk& along, TapWalk across) {
@@ -141,7 +150,7 @@ void scale_rows(const Source& source, const Target& target, const Columns& colum
     }
     const int16_t* rows[kTaps];
     for (uint32_t j = 0; j < kTaps; ++j) {
-      // A row past the end weighs 0, any does.
+      // A row past the end weighs 0, so that any other can stand for it.
       rows[j] = columns.sums(std::min(taps.first + j, source.height - 1) % kTaps);
     }
     kernel.mix(rows, taps.weights, target.width, target.row(y));
@@ -187,4 +196,4 @@ bool scale(const Source& source, const Target& target, Interpolation interpolati
   return true;
 }
 
-}  // namespace zavri
+}  // namespace zavri::host

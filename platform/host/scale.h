@@ -3,7 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 
-namespace zavri {
+namespace zavri::host {
 
 template <class Byte>
 struct Plane {
@@ -19,8 +19,8 @@ using Target = Plane<uint8_t>;
 
 enum class Interpolation { kNearest, kLinear, kSpline };
 
-// Scales a plane of at least one pixel to one of any size; equal sizes are copied. Needs memory
-// for a few rows and returns false, with nothing written, when there is none.
+// Scales a plane of at least one pixel to one of any size; a plane of equal size is copied. Needs
+// memory for a few rows, without which it returns false and has written nothing.
 bool scale(const Source& source, const Target& target, Interpolation interpolation);
 
-}  // namespace zavri
+}  // namespace zavri::host

@@ -1,25 +1,24 @@
 #include "platform/host/scale_rows.h"
 
-#ifndef ZAVRI_BUILD_PLAIN
-#include "simd/vec.h"
-#endif
+#include "platform/host/lanes.h"
 
-namespace zavri {
+namespace zavri::host {
 namespace {
 
 // Sums are made of samples less 128, so that they fit 16 bits: linear ones then lie in
-// [-32768, 32512], and a spline's, of which some taps weigh 9/8 and the others -1/8, within 21000.
+// [-32768, 32512], and a spline's within 21000, because its two inner taps weigh up to 9/8 together
+// and the outer two -1/8.
 constexpr int kSampleOffset = 128;
 
-// Of a spline's products along, which leaves 1/128 of a level.
+// A spline's products along are shifted by this, which leaves units of 1/128 of a level.
 constexpr int kProductShift = 7;
 
-// Of the result: by the bits of all weights along and across, less those that products lost.
+// The result is shifted by the bits of a weight along and of one across, less kProductShift.
 constexpr int shift_of(Scheme scheme) {
   return scheme == Scheme::kLinear ? 16 : scheme == Scheme::kLinearShort ? 8 : 14 + kProductShift;
 }
 
-// What completes the products of sums: the offset's share, and a half for rounding.
+// What is added to the products of sums: the offset's share, and a half for rounding.
 constexpr int completion(Scheme scheme) {
   return (kSampleOffset << shift_of(scheme)) + (1 << (shift_of(scheme) - 1));
 }
@@ -45,6 +44,44 @@ void filter_plain(const RowPlan& plan, size_t from, const uint8_t* source, int16
   }
 }
 
+constexpr size_t kLanes = kVectorBytes / 2;
+
+ZAVRI_INLINE S16 linear_sums(const RowPlan& plan, size_t x, U8 window) {
+  const U8 samples = lookup_in_blocks(window, load(plan.pairs + x));
+  return multiply_add_pairs(load(plan.pair_weights + x), (S8)(samples ^ kSampleOffset));
+}
+
+// A sample less kSampleOffset stands in the upper half of a lane, which makes it 256 times as
+// large: mul_high_rounded, with its shift by 15, then shifts the product by kProductShift.
+ZAVRI_INLINE S16 spline_sums(const RowPlan& plan, size_t x, U8 window) {
+  static_assert(kProductShift == 15 - 8);
+  const U8 pairs = load(plan.pairs + x);
+  S16 sum{};
+  for (int j = 0; j < 4; j += 2) {
+    const U8 places = pairs + static_cast<uint8_t>(j);
+    const U16 samples = (U16)(lookup_in_blocks(window, places) ^ kSampleOffset);
+    const S16 first = (S16)(samples << 8);
+    const S16 second = (S16)(samples & 0xff00);
+    sum += mul_high_rounded(first, load<S16>(plan.weights[j] + x));
+    sum += mul_high_rounded(second, load<S16>(plan.weights[j + 1] + x));
+  }
+  return sum;
+}
+
+template <Scheme kScheme>
+void filter(const RowPlan& plan_in, const uint8_t* source, int16_t* sums) {
+  const RowPlan plan = plan_in;  // a copy that no store can alias
+  size_t x = 0;
+  if (kVectorized && plan.windows != nullptr) {
+    for (; x + kLanes <= plan.count; x += kLanes) {
+      const U8 window = load_windows(source, plan.windows + x / kWindowOutputs);
+      store(sums + x, kScheme == Scheme::kSpline ? spline_sums(plan, x, window)
+                                                 : linear_sums(plan, x, window));
+    }
+  }
+  filter_plain<kScheme>(plan, x, source, sums);
+}
+
 template <Scheme kScheme>
 void mix_plain(const int16_t* const* rows, const int16_t* weights, size_t from, size_t count,
                uint8_t* to) {
@@ -55,70 +92,30 @@ void mix_plain(const int16_t* const* rows, const int16_t* weights, size_t from, 
   }
 }
 
-#ifdef ZAVRI_BUILD_PLAIN
-
-template <Scheme kScheme>
-void filter(const RowPlan& plan, const uint8_t* source, int16_t* sums) {
-  filter_plain<kScheme>(plan, 0, source, sums);
-}
-
-template <Scheme kScheme>
-void mix(const int16_t* const* rows, const int16_t* weights, size_t count, uint8_t* to) {
-  mix_plain<kScheme>(rows, weights, 0, count, to);
-}
-
-#else
-
-constexpr size_t kLanes = kVectorBytes / 2;
-
-ZAVRI_INLINE S16 linear_sums(const RowPlan& plan, size_t x, V8 window) {
-  const V8 samples = lookup16(window, (V8)load16(plan.pairs + x));
-  return weigh_pairs(samples, (V8)load16(plan.pair_weights + x));
-}
-
-ZAVRI_INLINE S16 spline_sums(const RowPlan& plan, size_t x, V8 window) {
-  const V8 pairs = (V8)load16(plan.pairs + x);
-  S16 sum{};
-  for (int j = 0; j < 4; j += 2) {
-    // Samples less kSampleOffset in the upper halves of lanes, that is times 256: the high
-    // products, less 16 bits and plus one for the doubling, are those of the rule.
-    const V16 samples = (V16)(lookup16(window, pairs + static_cast<uint8_t>(j)) ^ 0x80);
-    const S16 first = (S16)(samples << 8);
-    const S16 second = (S16)(samples & 0xff00);
-    sum += multiply_high(first, (S16)load16(plan.weights[j] + x));
-    sum += multiply_high(second, (S16)load16(plan.weights[j + 1] + x));
-  }
-  return sum;
-}
-
-template <Scheme kScheme>
-void filter(const RowPlan& plan_in, const uint8_t* source, int16_t* sums) {
-  const RowPlan plan = plan_in;  // a copy that no store can alias
-  size_t x = 0;
-  if (plan.windows != nullptr) {
-    for (; x + kLanes <= plan.count; x += kLanes) {
-      const V8 window = load_each_16(source, plan.windows + x / kWindowOutputs);
-      store16(sums + x, (V16)(kScheme == Scheme::kSpline ? spline_sums(plan, x, window)
-                                                         : linear_sums(plan, x, window)));
-    }
-  }
-  filter_plain<kScheme>(plan, x, source, sums);
-}
-
 template <Scheme kScheme>
 ZAVRI_INLINE Sums mixed(const int16_t* const* rows, const int16_t* weights, size_t x) {
   Sums sum = splat_sums(completion(kScheme));
   for (int j = 0; j < taps_of(kScheme); j += 2) {
-    sum = add_products(sum, (S16)load16(rows[j] + x), weights[j], (S16)load16(rows[j + 1] + x),
+    sum = add_products(sum, load<S16>(rows[j] + x), weights[j], load<S16>(rows[j + 1] + x),
                        weights[j + 1]);
   }
-  return shift_right<shift_of(kScheme)>(sum);
+  return sum;
 }
 
-ZAVRI_INLINE V16 mixed_short(const int16_t* const* rows, const int16_t* weights, size_t x) {
-  const V16 sum = load16(rows[0] + x) * splat16(static_cast<uint16_t>(weights[0])) +
-                  load16(rows[1] + x) * splat16(static_cast<uint16_t>(weights[1]));
+ZAVRI_INLINE U16 mixed_short(const int16_t* const* rows, const int16_t* weights, size_t x) {
+  const U16 sum = load<U16>(rows[0] + x) * static_cast<uint16_t>(weights[0]) +
+                  load<U16>(rows[1] + x) * static_cast<uint16_t>(weights[1]);
   return (sum + completion(Scheme::kLinearShort)) >> shift_of(Scheme::kLinearShort);
+}
+
+template <Scheme kScheme>
+ZAVRI_INLINE U8 mix_vector(const int16_t* const* rows, const int16_t* weights, size_t x) {
+  if constexpr (kScheme == Scheme::kLinearShort) {
+    return narrow(mixed_short(rows, weights, x), mixed_short(rows, weights, x + kLanes));
+  } else {
+    return narrow_saturated<shift_of(kScheme)>(mixed<kScheme>(rows, weights, x),
+                                               mixed<kScheme>(rows, weights, x + kLanes));
+  }
 }
 
 template <Scheme kScheme>
@@ -130,19 +127,13 @@ void mix(const int16_t* const* rows_in, const int16_t* weights_in, size_t count,
     weights[j] = weights_in[j];
   }
   size_t x = 0;
-  for (; x + kVectorBytes <= count; x += kVectorBytes) {
-    if constexpr (kScheme == Scheme::kLinearShort) {
-      store(to + x,
-            bytes_of(mixed_short(rows, weights, x), mixed_short(rows, weights, x + kLanes)));
-    } else {
-      store(to + x,
-            bytes_of(mixed<kScheme>(rows, weights, x), mixed<kScheme>(rows, weights, x + kLanes)));
+  if constexpr (kVectorized) {
+    for (; x + kVectorBytes <= count; x += kVectorBytes) {
+      store(to + x, mix_vector<kScheme>(rows, weights, x));
     }
   }
   mix_plain<kScheme>(rows, weights, x, count, to);
 }
-
-#endif
 
 }  // namespace
 
@@ -155,4 +146,4 @@ const ScaleRowKernels& scale_row_kernels(ThisBuild) {
   return kKernels;
 }
 
-}  // namespace zavri
+}  // namespace zavri::host

@@ -5,7 +5,7 @@
 
 #include "simd/builds.h"
 
-namespace zavri {
+namespace zavri::host {
 
 // Row kernels of the portable scaler. A row of source samples is first filtered along the row into
 // 16-bit sums, several such rows are then mixed into a row of the result:
@@ -16,46 +16,48 @@ namespace zavri {
 //     . . . . . .   ->   o o o o   -+
 //
 enum class Scheme {
-  // Bilinear, all weights of 1/256. Nothing is rounded but the result, by (v + 2^15) >> 16.
+  // Two taps each way, with weights in units of 1/256. Only the result is rounded, by
+  // (v + 2^15) >> 16.
   kLinear,
-  // The same where the weights along times those across are multiples of 1/256: in these units all
-  // fits 16 bits, and (v + 2^7) >> 8 rounds.
+  // Two taps each way, where a weight along times one across is a multiple of 1/256. In these units
+  // everything fits 16 bits, and (v + 2^7) >> 8 rounds the result.
   kLinearShort,
-  // Four taps, all weights of 1/2^14. Products along are rounded to 1/128, the result by
-  // (v + 2^20) >> 21, and saturated.
+  // Four taps each way, with weights in units of 1/2^14. Products along are rounded to 1/128, the
+  // result is rounded by (v + 2^20) >> 21 and saturated.
   kSpline,
 };
 
 constexpr int taps_of(Scheme scheme) { return scheme == Scheme::kSpline ? 4 : 2; }
 
-// A number of 16 source bytes that a vector kernel reads at once, and the scaled samples that are
-// made of them.
+// A vector kernel reads kWindow source bytes at once and makes kWindowOutputs sums of them.
 inline constexpr size_t kWindow = 16;
 inline constexpr size_t kWindowOutputs = 8;
 
-// How every sample of a scaled row is made: sample x from source[first[x] + j], weighted by
+// How the samples of a scaled row are made: sample x of source[first[x] + j] for every tap j, times
 // weights[j][x].
 struct RowPlan {
   size_t count;
-  uint32_t source_count;  // a tap beyond the source weighs 0 and must not be read
+  uint32_t source_count;  // a tap from here on weighs 0 and must not be read
   const uint32_t* first;
   const int16_t* weights[4];
 
-  // For enlargements of kWindow source samples or more, else null: the same as lookups. Samples
-  // 8g .. 8g + 7 need only the kWindow bytes from source[windows[g]] on; sample x has its first two
-  // taps where the low and the high byte of pairs[x] tell, a spline the other two behind them.
+  // The same as lookups, for enlargements of kWindow source samples or more; null for others. The
+  // samples 8g .. 8g + 7 need only the kWindow bytes from source[windows[g]] on. Therein the low
+  // and the high byte of pairs[x] are the places of the first two taps of sample x; the other two
+  // taps of a spline are two bytes further.
   const uint32_t* windows;
   const uint16_t* pairs;
-  // Two linear weights in the low and the high byte. Where one is 256 and the other 0 both bytes
-  // are 128 and both taps the same.
+  // The linear weights of these two taps, in the low and the high byte. Where a weight is 256, both
+  // bytes are 128 and both places the same.
   const uint16_t* pair_weights;
 };
 
 struct ScaleRowKernels {
-  // sums[0, count) of one source row; only mix() can tell them.
+  // Fills sums[0, count) from one source row. Their unit and offset are the kernels' own: they are
+  // good for the Mix of the same scheme and build only.
   using Filter = void (*)(const RowPlan& plan, const uint8_t* source, int16_t* sums);
 
-  // to[0, count) from as many rows of sums as there are taps.
+  // Fills to[0, count) from as many rows of sums as there are taps.
   using Mix = void (*)(const int16_t* const* rows, const int16_t* weights, size_t count,
                        uint8_t* to);
 
@@ -77,4 +79,4 @@ inline const ScaleRowKernels& scale_row_kernels(Build build = best_build()) {
                     [](auto tag) -> const ScaleRowKernels& { return scale_row_kernels(tag); });
 }
 
-}  // namespace zavri
+}  // namespace zavri::host

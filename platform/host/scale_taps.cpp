@@ -3,14 +3,15 @@
 #include <algorithm>
 #include <numeric>
 
-namespace zavri {
+namespace zavri::host {
 
 Positions::Positions(uint32_t from, uint32_t to, int bits) : divisor_(2 * int64_t{to}) {
   const int64_t one = int64_t{1} << bits;
   const int64_t step = 2 * int64_t{from} * one;
   step_units_ = step / divisor_;
   step_rest_ = step % divisor_;
-  // The first lies at (from - to) / (2 * to), above -1/2: one sample further, all is positive.
+  // The first position is (from - to) / (2 * to), which is above -1/2. The division is that of the
+  // place one sample further, which is positive.
   const int64_t shifted = (int64_t{from} + to) * one;
   units_ = shifted / divisor_ - one;
   rest_ = shifted % divisor_;
@@ -31,10 +32,11 @@ int LinearTaps::bits_needed(uint32_t from, uint32_t to) {
   const uint32_t common = std::gcd(from, to);
   const uint32_t step = from / common;
   const uint32_t parts = to / common;
-  // Positions are multiples of 1 / (2 * parts); of whole samples when both are odd.
+  // Positions are (step * (2i + 1) - parts) / (2 * parts), with both reduced. A single part gives
+  // whole samples where the step is odd, halves where it is even.
   if (parts == 1) return step % 2 == 1 ? 0 : 1;
   const bool power_of_two = (parts & (parts - 1)) == 0;
   return power_of_two ? std::min(__builtin_ctz(parts) + 1, kMostBits) : kMostBits;
 }
 
-}  // namespace zavri
+}  // namespace zavri::host

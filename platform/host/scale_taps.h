@@ -2,19 +2,19 @@
 
 #include <cstdint>
 
-namespace zavri {
+namespace zavri::host {
 
-// A number of samples `to` that span the same length as `from` samples, and whose centres are
-// aligned: sample i lies at (i + 1/2) * from / to - 1/2. Both are 1..2^31 - 1.
+// Here `to` scaled samples span the same length as `from` source samples: the centre of sample i
+// lies at (i + 1/2) * from / to - 1/2. Both numbers are 1 .. 2^31 - 1.
 
-// Walks the positions of samples 0, 1, 2 .., exactly and without a division for each.
+// Walks the positions of the scaled samples 0, 1, 2 .., exactly and without a division for each.
 class Positions {
  public:
-  // In units of 1 / 2^bits, with at most 16 bits.
+  // Positions are in units of 1 / 2^bits; `bits` is at most 16.
   Positions(uint32_t from, uint32_t to, int bits);
 
   int64_t floor() const { return units_; }
-  // Rounded to nearest, ties to even: a mirrored picture then gives the mirrored result.
+  // Rounds ties to even, so that a mirrored picture gives the mirrored result.
   int64_t nearest() const { return units_ + (2 * rest_ + (units_ & 1) > divisor_); }
 
   void advance() {
@@ -35,14 +35,14 @@ class Positions {
   int64_t rest_;
 };
 
-// The source samples from `first` on that make up one scaled sample. Samples that would lie outside
-// the source are replaced by its first or last: their weights are added to that one's.
+// One scaled sample is made of the source samples from `first` on. For a sample that would lie
+// outside the source its first or last one takes over the weight.
 struct Taps {
   uint32_t first;
-  int16_t weights[4];  // those of samples past the source are 0
+  int16_t weights[4];  // 0 for samples past the source
 };
 
-// Changes `count` taps first, first + 1, .., of which some may lie outside.
+// Moves the weights of `count` taps, of samples first, first + 1 .., inside the source.
 void move_inside(int64_t first, uint32_t count, uint32_t from, Taps& taps);
 
 template <class... Weights>
@@ -53,13 +53,13 @@ Taps make_taps(int64_t first, uint32_t from, Weights... weights) {
   return taps;
 }
 
-// The taps of samples 0, 1, 2 ..: two, with weights that sum to 2^bits.
+// Walks the taps of the scaled samples 0, 1, 2 ..: two each, with weights that sum to 2^bits.
 class LinearTaps {
  public:
   static constexpr uint32_t kCount = 2;
   static constexpr int kMostBits = 8;
 
-  // Least number of bits, up to kMostBits, for which no weight is rounded.
+  // The least number of bits for which no weight is rounded, but at most kMostBits.
   static int bits_needed(uint32_t from, uint32_t to);
 
   LinearTaps(uint32_t from, uint32_t to, int bits)
@@ -79,7 +79,7 @@ class LinearTaps {
   const int bits_;
 };
 
-// The same: four taps of a Catmull-Rom spline, with weights that sum to 2^14.
+// Walks the four taps that each scaled sample has on a Catmull-Rom spline. Weights sum to 2^14.
 class SplineTaps {
  public:
   static constexpr uint32_t kCount = 4;
@@ -114,4 +114,4 @@ class SplineTaps {
   const uint32_t from_;
 };
 
-}  // namespace zavri
+}  // namespace zavri::host

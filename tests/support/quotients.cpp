@@ -1,13 +1,8 @@
 #include "tests/support/quotients.h"
 
-#include "simd/weighted_sums.h"
-#if ZAVRI_HAS_WEIGHTED_SUMS
-#include "uvdenoise/window_means.h"
-#endif
+#include "uvdenoise/chroma_window_vector_means.h"
 
 namespace zavri::testing {
-
-#if ZAVRI_HAS_WEIGHTED_SUMS
 namespace {
 
 #if defined(__x86_64__) && defined(NDEBUG) && !defined(__SANITIZE_ADDRESS__) && \
@@ -19,12 +14,12 @@ constexpr int kStep = 127;
 constexpr int kLanes = kVectorBytes / 2;
 
 void check_quotients_by(int weight, QuotientCheck& check) {
-  const V16 w = splat16(static_cast<unsigned>(weight));
+  const U16 w = splat<U16>(static_cast<uint16_t>(weight));
   const S16 r = kWeightReciprocals.lookup(w);
   for (int first = INT16_MIN; first <= INT16_MAX; first += kLanes) {
-    V16 y;
+    U16 y;
     for (int i = 0; i < kLanes; ++i) y[i] = static_cast<uint16_t>(first + i);
-    const V16 quotient = floor_quotient(y, w, r);
+    const U16 quotient = floor_quotient(y, w, r);
     for (int i = 0; i < kLanes; ++i) {
       const int numerator = first + i;
       const int expected = (numerator - (numerator < 0 ? weight - 1 : 0)) / weight;
@@ -35,15 +30,12 @@ void check_quotients_by(int weight, QuotientCheck& check) {
 }
 
 }  // namespace
-#endif
 
 QuotientCheck check_quotients(ThisBuild) {
   QuotientCheck check{};
-#if ZAVRI_HAS_WEIGHTED_SUMS
   for (int weight = kCentreWeight; weight <= WeightReciprocals::kMost; weight += kStep) {
     check_quotients_by(weight, check);
   }
-#endif
   return check;
 }
 

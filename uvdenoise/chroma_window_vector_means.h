@@ -1,15 +1,15 @@
 #pragma once
 
-// The chroma window's means in vectors: one sample of each of kVectorBytes lines at a time. Kernel
-// sources only.
+// The means of the chroma window's vector form, one sample of each of kVectorBytes lines at a time.
 
-#include "simd/weighted_sums.h"
+#include "simd/vec.h"
 #include "uvdenoise/chroma_window.h"
 
 namespace zavri {
 namespace {
 
-// Samples less 128. Their differences saturate, but only where they are beyond every tolerance.
+// A sample of each line, less 128. Differences of such samples saturate only where they are beyond
+// every tolerance.
 struct Cell {
   S8 u;
   S8 v;
@@ -17,7 +17,7 @@ struct Cell {
 
 // What a neighbour adds to the sums.
 struct Term {
-  V8 weight;
+  U8 weight;
   S8 u;
   S8 v;
 };
@@ -28,13 +28,13 @@ struct WindowSums {
   Wide v;
 
   ZAVRI_INLINE void add(Term a, Term b) {
-    add_weights(weight, a.weight, b.weight);
-    add_products(u, a.weight, a.u, b.weight, b.u);
-    add_products(v, a.weight, a.v, b.weight, b.v);
+    weight = add_weights(weight, a.weight, b.weight);
+    u = add_products(u, a.weight, a.u, b.weight, b.u);
+    v = add_products(v, a.weight, a.v, b.weight, b.v);
   }
 };
 
-// 2^15 / w to the nearest, for every sum of weights that a window may have.
+// of[w] is 2^15 / w to the nearest, for every sum of weights that a window may have.
 struct WeightReciprocals {
   static constexpr int kMost = kCentreWeight + kLongestWindow * INT8_MAX;
 
@@ -45,7 +45,7 @@ struct WeightReciprocals {
       of[w] = static_cast<int16_t>(((1 << 15) + w / 2) / w);
   }
 
-  ZAVRI_INLINE S16 lookup(V16 w) const {
+  ZAVRI_INLINE S16 lookup(U16 w) const {
     S16 r;
     for (size_t i = 0; i < kVectorBytes / 2; ++i) r[i] = of[w[i]];
     return r;
@@ -54,16 +54,16 @@ struct WeightReciprocals {
 constexpr WeightReciprocals kWeightReciprocals;
 
 // floor(y / w) for signed y, with r = kWeightReciprocals.of[w]. As r is within 1/2 of 2^15 / w,
-// y * r / 2^15 is within 1/2 of y / w: rounded to the nearest, it is the quotient or one more.
-ZAVRI_INLINE V16 floor_quotient(V16 y, V16 w, S16 r) {
-  const V16 q = (V16)multiply_high((S16)y, r);
-  const V16 one_more = (V16)((S16)(y - q * w) >> 15);  // -1 where it is
-  return q + one_more;
+// y * r / 2^15 is within 1/2 of y / w, and rounded to the nearest it is the quotient or one more.
+ZAVRI_INLINE U16 floor_quotient(U16 y, U16 w, S16 r) {
+  const U16 q = (U16)mul_high_rounded((S16)y, r);
+  const U16 remainder = y - q * w;  // below 0 exactly where q is one more
+  return q + (U16)((S16)remainder >> 15);
 }
 
-// The weighted mean as the centre plus the mean of the differences from it: sums of weighted
-// differences fit 16 bits, those of weighted samples would not. Rounding down here is the rule's
-// rounding toward zero there, since sums of samples are not negative.
+// The weighted mean as the centre plus the mean of the differences from it, because sums of
+// weighted differences fit 16 bits and those of weighted samples do not. It rounds down where the
+// rule rounds towards zero: the same, since sums of samples are not negative.
 template <size_t kEntries>
 class WeightedMean {
  public:
@@ -72,14 +72,14 @@ class WeightedMean {
 
   ZAVRI_INLINE static WindowSums start(Cell) {
     WindowSums sums{};
-    sums.weight = {splat16(kCentreWeight), splat16(kCentreWeight)};
+    sums.weight = {splat<U16>(kCentreWeight), splat<U16>(kCentreWeight)};
     return sums;
   }
 
   ZAVRI_INLINE Term term(Cell centre, Cell neighbour) const {
-    const S8 u = difference(neighbour.u, centre.u);
-    const S8 v = difference(neighbour.v, centre.v);
-    return {table_.at(larger(magnitude(u), magnitude(v))), u, v};
+    const S8 u = saturating_sub(neighbour.u, centre.u);
+    const S8 v = saturating_sub(neighbour.v, centre.v);
+    return {table_.at(max(abs(u), abs(v))), u, v};
   }
 
   ZAVRI_INLINE static Cell mean(const WindowSums& sums, Cell centre) {
@@ -87,9 +87,9 @@ class WeightedMean {
     const S16 lower = kWeightReciprocals.lookup(w.lower);
     const S16 upper = kWeightReciprocals.lookup(w.upper);
     const auto moved = [&](S8 sample, const Wide& sum) {
-      const S8 by = narrow({floor_quotient(sum.lower + (w.lower >> 1), w.lower, lower),
-                            floor_quotient(sum.upper + (w.upper >> 1), w.upper, upper)});
-      return (S8)((V8)sample + (V8)by);
+      const S8 by = narrow_signed({floor_quotient(sum.lower + (w.lower >> 1), w.lower, lower),
+                                   floor_quotient(sum.upper + (w.upper >> 1), w.upper, upper)});
+      return (S8)((U8)sample + (U8)by);
     };
     return {moved(centre.u, sums.u), moved(centre.v, sums.v)};
   }
@@ -98,7 +98,7 @@ class WeightedMean {
   ByteTable<kEntries> table_;
 };
 
-// Whether the weighted differences of a pass fit 16 bits, and no sum of weights is below 64.
+// Whether all sums of a pass fit 16 bits and none of weights is below kCentreWeight.
 inline bool fits_16_bits(const Pass& pass, const Weights& weights) {
   int neighbours = 0;
   for (const Span& span : pass.spans) {
@@ -117,7 +117,7 @@ inline bool fits_16_bits(const Pass& pass, const Weights& weights) {
   return neighbours * largest_product + half_of_weights <= INT16_MAX;
 }
 
-// (2x + 1) * of(n) >> 16 is x / n, exactly, for every sum x of n samples and n / 2.
+// (2x + 1) * of(n) >> 16 is x / n rounded down, exactly, where x is a sum of n samples and n / 2.
 struct CountReciprocals {
   static constexpr int kMostSamples = kLongestTolerantWindow + 1;
 
@@ -146,50 +146,52 @@ struct CountReciprocals {
 static_assert(CountReciprocals::are_exact());
 constexpr CountReciprocals kCountReciprocals;
 
-// The plain mean of what lies within the fixed tolerance.
+// The plain mean of the neighbours within the fixed tolerance and the centre.
 class TolerantMean {
  public:
   TolerantMean() : low_(kCountReciprocals.low), high_(kCountReciprocals.high) {}
 
   ZAVRI_INLINE static WindowSums start(Cell centre) {
     WindowSums sums{};
-    sums.add({splat8(1), centre.u, centre.v}, Term{});
+    sums.add({splat<U8>(1), centre.u, centre.v}, Term{});
     return sums;
   }
 
   ZAVRI_INLINE static Term term(Cell centre, Cell neighbour) {
-    const V8 u_near = (V8)(magnitude(difference(neighbour.u, centre.u)) <= splat8(kFixedTolerance));
-    const S8 lowest = -(S8)splat8(kFixedTolerance);
-    const V8 v_not_below = (V8)(difference(neighbour.v, centre.v) >= lowest);
+    const U8 u_near =
+        (U8)(abs(saturating_sub(neighbour.u, centre.u)) <= splat<U8>(kFixedTolerance));
+    const S8 lowest = splat<S8>(-kFixedTolerance);
+    const U8 v_not_below = (U8)(saturating_sub(neighbour.v, centre.v) >= lowest);
     return {u_near & v_not_below & 1, neighbour.u, neighbour.v};
   }
 
   ZAVRI_INLINE Cell mean(const WindowSums& sums, Cell) const {
-    const V8 counts = (V8)narrow(sums.weight);
+    const U8 counts = narrow(sums.weight);
     const Wide r = widen(low_.at(counts), high_.at(counts));
     const auto quotient = [&](const Wide& sum) {
-      return narrow({mean(sum.lower, sums.weight.lower, r.lower),
-                     mean(sum.upper, sums.weight.upper, r.upper)});
+      return narrow_signed({mean(sum.lower, sums.weight.lower, r.lower),
+                            mean(sum.upper, sums.weight.upper, r.upper)});
     };
     return {quotient(sums.u), quotient(sums.v)};
   }
 
  private:
-  ZAVRI_INLINE static V16 mean(V16 sum, V16 count, V16 r) {
-    const V16 samples = sum + count * 128;
-    return high_product(2 * (samples + (count >> 1)) + 1, r) - 128;
+  ZAVRI_INLINE static U16 mean(U16 sum, U16 count, U16 r) {
+    const U16 samples = sum + count * 128;
+    return mul_high(2 * (samples + (count >> 1)) + 1, r) - 128;
   }
 
   ByteTable<16> low_;
   ByteTable<16> high_;
 };
 
+// The mean of a window about *centre. The sample just before the centre comes last, because it is
+// the last to be known when samples are filtered one after the other.
 template <class Mean>
 ZAVRI_INLINE Cell filtered(const Cell* centre, Window window, const Mean& mean) {
   const Cell c = *centre;
   WindowSums sums = mean.start(c);
   if (window.before == window.after) {
-    // The sample just before the centre comes last: it is the last to be known.
     for (int k = window.after; k > 0; --k) {
       sums.add(mean.term(c, centre[k]), mean.term(c, centre[-k]));
     }

@@ -1,0 +1,184 @@
+#pragma once
+
+// The operations of simd/vec.h, which includes this file, for NEON of ARMv7 and AArch64.
+
+#include <arm_neon.h>
+
+namespace zavri {
+namespace {
+
+using generic::load_blocks;
+using generic::multiply_add_pairs;
+using generic::small_quotient;
+using generic::store_blocks;
+using generic::store_interleaved;
+
+template <class V>
+ZAVRI_INLINE Deinterleaved<V> load_deinterleaved(const uint8_t* from) {
+  if constexpr (sizeof(Lane<V>) == 1) {
+    const uint8x16x2_t v = vld2q_u8(from);
+    return {(V)v.val[0], (V)v.val[1]};
+  } else {
+    return generic::load_deinterleaved<V>(from);  // an address of pairs may be odd
+  }
+}
+
+ZAVRI_INLINE U8 splat_first_pair(U8 v) {
+  return (U8)vdupq_lane_u16(vget_low_u16((uint16x8_t)v), 0);
+}
+
+ZAVRI_INLINE U8 duplicate_even(U8 v) { return (U8)vsliq_n_u16((uint16x8_t)v, (uint16x8_t)v, 8); }
+
+ZAVRI_INLINE void split_cells(const U8* vectors, U8* even, U8* odd) {
+  const auto pairs = [](U8 a, U8 b) { return vuzpq_u16((uint16x8_t)a, (uint16x8_t)b).val[0]; };
+  const uint8x16x2_t bytes = vuzpq_u8((uint8x16_t)pairs(vectors[0], vectors[1]),
+                                      (uint8x16_t)pairs(vectors[2], vectors[3]));
+  *even = (U8)bytes.val[0];
+  *odd = (U8)bytes.val[1];
+}
+
+ZAVRI_INLINE U8 narrow(U16 a, U16 b) {
+  return (U8)vcombine_u8(vmovn_u16((uint16x8_t)a), vmovn_u16((uint16x8_t)b));
+}
+
+ZAVRI_INLINE U8 narrow(Wide wide) { return narrow(wide.lower, wide.upper); }
+
+ZAVRI_INLINE S8 narrow_signed(Wide wide) { return (S8)narrow(wide); }
+
+ZAVRI_INLINE U8 avg_round_up(U8 a, U8 b) { return (U8)vrhaddq_u8((uint8x16_t)a, (uint8x16_t)b); }
+
+ZAVRI_INLINE U8 avg_round_down(U8 a, U8 b) { return (U8)vhaddq_u8((uint8x16_t)a, (uint8x16_t)b); }
+
+ZAVRI_INLINE U8 weighted_mean(U8 a, U8 b, U8 weight) {
+  const U8 rest = 128 - weight;
+  const auto mean = [](uint8x8_t a8, uint8x8_t rest8, uint8x8_t b8, uint8x8_t weight8) {
+    return vshrn_n_u16(vmlal_u8(vmull_u8(a8, rest8), b8, weight8), 7);
+  };
+  const auto low = [](U8 v) { return vget_low_u8((uint8x16_t)v); };
+  const auto high = [](U8 v) { return vget_high_u8((uint8x16_t)v); };
+  return (U8)vcombine_u8(mean(low(a), low(rest), low(b), low(weight)),
+                         mean(high(a), high(rest), high(b), high(weight)));
+}
+
+ZAVRI_INLINE U8 saturating_sub(U8 a, U8 b) { return (U8)vqsubq_u8((uint8x16_t)a, (uint8x16_t)b); }
+
+ZAVRI_INLINE S8 saturating_sub(S8 a, S8 b) { return (S8)vqsubq_s8((int8x16_t)a, (int8x16_t)b); }
+
+ZAVRI_INLINE U8 abs(S8 a) { return (U8)vabsq_s8((int8x16_t)a); }
+
+ZAVRI_INLINE U8 abs_diff(U8 a, U8 b) { return (U8)vabdq_u8((uint8x16_t)a, (uint8x16_t)b); }
+
+ZAVRI_INLINE U8 max(U8 a, U8 b) { return (U8)vmaxq_u8((uint8x16_t)a, (uint8x16_t)b); }
+
+ZAVRI_INLINE U32 min(U32 a, U32 b) { return (U32)vminq_u32((uint32x4_t)a, (uint32x4_t)b); }
+
+ZAVRI_INLINE U8 select(U8 mask, U8 a, U8 b) {
+  return (U8)vbslq_u8((uint8x16_t)mask, (uint8x16_t)a, (uint8x16_t)b);
+}
+
+ZAVRI_INLINE U16 mul_high(U16 a, U16 b) {
+  return (U16)vqdmulhq_s16((int16x8_t)a, (int16x8_t)b) >> 1;
+}
+
+ZAVRI_INLINE S16 mul_high_rounded(S16 a, S16 b) {
+  return (S16)vqrdmulhq_s16((int16x8_t)a, (int16x8_t)b);
+}
+
+constexpr bool kHasByteTables = true;
+
+template <size_t kEntries>
+class ByteTable {
+ public:
+  ZAVRI_INLINE explicit ByteTable(const uint8_t* entries) {
+    for (size_t i = 0; i < kEntries / 8; ++i) parts_[i / 4].val[i % 4] = vld1_u8(entries + 8 * i);
+  }
+
+  ZAVRI_INLINE U8 at(U8 index) const {
+    const auto i = (uint8x16_t)index;
+    return (U8)vcombine_u8(at(vget_low_u8(i)), at(vget_high_u8(i)));
+  }
+
+ private:
+  ZAVRI_INLINE uint8x8_t at(uint8x8_t index) const {
+    if constexpr (kEntries == 16) {
+      return vtbl2_u8({{parts_[0].val[0], parts_[0].val[1]}}, index);
+    }
+    uint8x8_t found = vtbl4_u8(parts_[0], index);
+    for (size_t i = 1; i < kEntries / 32; ++i) {
+      index = vsub_u8(index, vdup_n_u8(32));
+      found = vtbx4_u8(found, parts_[i], index);
+    }
+    return found;
+  }
+
+  uint8x8x4_t parts_[(kEntries + 31) / 32];
+};
+
+ZAVRI_INLINE Wide add_products(Wide sums, U8 w1, S8 d1, U8 w2, S8 d2) {
+  const auto add = [&sums](int8x16_t w, int8x16_t d) {
+    sums.lower = (U16)vmlal_s8((int16x8_t)sums.lower, vget_low_s8(w), vget_low_s8(d));
+    sums.upper = (U16)vmlal_s8((int16x8_t)sums.upper, vget_high_s8(w), vget_high_s8(d));
+  };
+  add((int8x16_t)w1, (int8x16_t)d1);
+  add((int8x16_t)w2, (int8x16_t)d2);
+  return sums;
+}
+
+ZAVRI_INLINE Wide add_weights(Wide sums, U8 a, U8 b) {
+  const auto both = (uint8x16_t)(a + b);
+  return {(U16)vaddw_u8((uint16x8_t)sums.lower, vget_low_u8(both)),
+          (U16)vaddw_u8((uint16x8_t)sums.upper, vget_high_u8(both))};
+}
+
+// Lanes of 16 bits gather bytes before those of 32 bits do: each takes 2 * 255 from a vector.
+class ByteSums {
+ public:
+  static constexpr size_t kMostAdds = 128;
+
+  ZAVRI_INLINE void add(U8 v) { gathered_ = (U16)vpadalq_u8((uint16x8_t)gathered_, (uint8x16_t)v); }
+
+  ZAVRI_INLINE void add_abs_diff(U8 a, U8 b) { add(abs_diff(a, b)); }
+
+  ZAVRI_INLINE void add(const ByteSums& other) { sums_ += other.sums_; }
+
+  ZAVRI_INLINE void settle() {
+    sums_ = (U32)vpadalq_u16((uint32x4_t)sums_, (uint16x8_t)gathered_);
+    gathered_ = U16{};
+  }
+
+  ZAVRI_INLINE uint32_t total() const { return sums_[0] + sums_[1] + sums_[2] + sums_[3]; }
+
+ private:
+  U16 gathered_{};
+  U32 sums_{};
+};
+
+class PairSums {
+ public:
+  ZAVRI_INLINE void add(U8 v) {
+    even_ = (U32)vpadalq_u16((uint32x4_t)even_, (uint16x8_t)((U16)v & 0xff));
+    odd_ = (U32)vpadalq_u16((uint32x4_t)odd_, (uint16x8_t)((U16)v >> 8));
+  }
+
+  ZAVRI_INLINE PairTotals totals() const {
+    return {even_[0] + even_[1] + even_[2] + even_[3], odd_[0] + odd_[1] + odd_[2] + odd_[3]};
+  }
+
+ private:
+  U32 even_{};
+  U32 odd_{};
+};
+
+// Four bits for each byte of a mask, in order.
+ZAVRI_INLINE uint64_t nibbles(U8 mask) {
+  return vget_lane_u64(vreinterpret_u64_u8(vshrn_n_u16((uint16x8_t)mask, 4)), 0);
+}
+
+ZAVRI_INLINE bool all_set(U8 mask) { return ~nibbles(mask) == 0; }
+
+ZAVRI_INLINE size_t first_clear(U8 mask) {
+  return static_cast<size_t>(__builtin_ctzll(~nibbles(mask))) / 4;
+}
+
+}  // namespace
+}  // namespace zavri
