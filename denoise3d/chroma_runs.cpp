@@ -236,7 +236,7 @@ size_t smooth_column_blocks(uint8_t* plane, size_t x, size_t width, size_t rows,
 
 void smooth_columns(uint8_t* plane, size_t width, size_t rows, size_t stride) {
   size_t x = 0;
-  if constexpr (kVectorized) {
+  if (kVectorized) {
     x = smooth_column_blocks<2>(plane, x, width, rows, stride);
     x = smooth_column_blocks<1>(plane, x, width, rows, stride);
   }

@@ -23,7 +23,7 @@ ZAVRI_INLINE void fill_vector(uint8_t* cells) {
 
 void fill_row(uint8_t* row, size_t blocks) {
   size_t x = 0;
-  if constexpr (kVectorized) {
+  if (kVectorized) {
     const size_t readable = blocks * kFillBlock + 2;
     for (; x + kVectorBytes + kCell <= readable; x += kVectorBytes) fill_vector(row + x);
     if (x > 0) {

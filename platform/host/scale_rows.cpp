@@ -127,7 +127,7 @@ void mix(const int16_t* const* rows_in, const int16_t* weights_in, size_t count,
     weights[j] = weights_in[j];
   }
   size_t x = 0;
-  if constexpr (kVectorized) {
+  if (kVectorized) {
     for (; x + kVectorBytes <= count; x += kVectorBytes) {
       store(to + x, mix_vector<kScheme>(rows, weights, x));
     }
