@@ -10,25 +10,26 @@ namespace {
 
 decltype(Scaler::gaussian) g_gaussian = nullptr;
 
-int scale_with(Interpolation interpolation, const Source& source, const Target& target) {
+int scale_with(host::Interpolation interpolation, const host::Source& source,
+               const host::Target& target) {
   constexpr int kNoResources = 5;
-  return scale(source, target, interpolation) ? 0 : kNoResources;
+  return host::scale(source, target, interpolation) ? 0 : kNoResources;
 }
 
 int scale_linear(const uint8_t* src, uint32_t src_width, uint32_t src_height, uint32_t src_stride,
                  uint8_t* dst, uint32_t dst_width, uint32_t dst_height, uint32_t dst_stride, int) {
-  return scale_with(Interpolation::kLinear, {src, src_width, src_height, src_stride},
+  return scale_with(host::Interpolation::kLinear, {src, src_width, src_height, src_stride},
                     {dst, dst_width, dst_height, dst_stride});
 }
 
 int scale_spline(const uint8_t* src, uint32_t src_width, uint32_t src_height, uint32_t src_stride,
                  uint8_t* dst, uint32_t dst_width, uint32_t dst_height, uint32_t dst_stride) {
-  return scale_with(Interpolation::kSpline, {src, src_width, src_height, src_stride},
+  return scale_with(host::Interpolation::kSpline, {src, src_width, src_height, src_stride},
                     {dst, dst_width, dst_height, dst_stride});
 }
 
 void blur(const uint8_t* src, uint32_t width, uint32_t height, uint8_t* dst, int blur_border) {
-  blur_gaussian(src, width, height, dst, blur_border != 0);
+  host::blur_gaussian(src, width, height, dst, blur_border != 0);
 }
 
 }  // namespace
