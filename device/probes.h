@@ -28,7 +28,9 @@ std::string scale_mapping(const Scale& scale);
 // The weights by distance from a sample, and the interpolation that has them.
 std::string scale_taps(const Scale& scale);
 
-// All of it, and the verdict.
-std::string probe_report(const Scaler& scaler);
+using Sink = std::function<void(const std::string& line)>;
+
+// All of it, line by line, and the verdict.
+void probe(const Scaler& scaler, const Sink& sink);
 
 }  // namespace zavri::device

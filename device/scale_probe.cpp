@@ -72,7 +72,7 @@ std::string mapping_of_axis(const Scale& scale, Axis axis) {
   }
   char text[160];
   snprintf(text, sizeof text, "%s (of %u to %u: %.3f * i %+.3f)", name, kFrom, kTo, found.step,
-           found.offset);
+           std::round(1000 * found.offset) / 1000 + 0.0);  // no "-0.000"
   return text;
 }
 

@@ -2,6 +2,9 @@
 
 #include <dlfcn.h>
 
+#include <cstdio>
+#include <cstdlib>
+
 #include "platform/host/gaussian.h"
 #include "platform/host/scale.h"
 
@@ -38,6 +41,11 @@ void blur(const uint8_t* src, uint32_t width, uint32_t height, uint8_t* dst, int
 Scaler loaded_scaler() {
   static const auto gaussian =
       reinterpret_cast<decltype(Scaler::gaussian)>(dlsym(RTLD_NEXT, "fcvFilterGaussian5x5u8"));
+  if (gaussian == nullptr) {
+    fputs("zavri-device: no fcvFilterGaussian5x5u8 in the libfastcvopt.so that is loaded\n",
+          stderr);
+    exit(2);
+  }
   return {fcvScaleu8, fcvScaleUpPolyu8, gaussian};
 }
 

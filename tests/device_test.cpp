@@ -47,7 +47,8 @@ TEST(DeviceProbe, SeesWhatAnAlteredScalerDoes) {
         "not those of this device: poly resize (fcvScaleUpPolyu8)\n"}},
   };
   for (const auto& altered : kCases) {
-    const std::string report = probe_report(altered.scaler);
+    std::string report;
+    probe(altered.scaler, [&](const std::string& line) { report += line; });
     for (const char* found : altered.found) expect_in(report, found);
   }
 }
