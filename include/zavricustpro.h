@@ -4,9 +4,8 @@
  * of interleaved (U, V) byte pairs, one pair per 2x2 block of luma. The caller owns every frame and
  * record; the library writes only where a function says so.
  *
- * The library itself throws nothing. Only where there is no memory for the thread pool or the tasks
- * of a call, the C++ library's std::bad_alloc leaves it while the processing lock is held: let it
- * end the process, because every later heavy operation would wait for that lock.
+ * No exception crosses this interface. Where there is no memory for the thread pool or for the
+ * tasks of a call the process is aborted; what other functions do without memory stands with them.
  */
 #ifndef ZAVRICUSTPRO_H_
 #define ZAVRICUSTPRO_H_

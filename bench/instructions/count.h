@@ -10,7 +10,6 @@ namespace zavri::bench {
 
 inline constexpr int kWidth = 1920;
 inline constexpr int kHeight = 1080;
-inline constexpr int kStrips = 4;
 
 inline constexpr size_t kPixels = size_t{kWidth} * kHeight;
 

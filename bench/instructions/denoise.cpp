@@ -35,7 +35,7 @@ struct Frames {
   void count_strips(const std::string& operation) {
     const auto restore_reference = [this] { restore(frames[0], pristine); };
     const auto denoise_strips = [this] {
-      for (int32_t k = 0; k < kStrips; ++k) zavri_mp_3D_YUV_denoise_inner(&k, &param, nullptr);
+      for (int32_t k = 0; k < kZavriStrips; ++k) zavri_mp_3D_YUV_denoise_inner(&k, &param, nullptr);
     };
     count(operation, kPixels, restore_reference, denoise_strips, frames[0]);
   }
@@ -89,7 +89,7 @@ void count_windows(const Bytes& pristine) {
   const auto restore_plane = [&] { restore(plane, pristine); };
   for (const Window& window : kWindows) {
     const auto filter_strips = [&] {
-      for (uint32_t k = 0; k < kStrips; ++k) window.strip(&k, &param, nullptr);
+      for (uint32_t k = 0; k < kZavriStrips; ++k) window.strip(&k, &param, nullptr);
     };
     count(window.name, kPixels, restore_plane, filter_strips, plane);
   }

@@ -16,7 +16,7 @@ constexpr uint16_t kBilinear = 1;
 
 // One of the four strips in which the library scales a frame to twice its width and height.
 T_ResizeParam strip_of(const Bytes& source, Bytes& target, int number, uint16_t mode) {
-  constexpr uint32_t kRows = kHeight / kStrips;
+  constexpr uint32_t kRows = kHeight / kZavriStrips;
   static_assert(kHeight % 8 == 0, "strips show the same parts of source and target");
   const size_t first = size_t{kRows} * kWidth * static_cast<size_t>(number);
   T_ResizeParam strip{};
@@ -57,7 +57,7 @@ void count_resize(const Bytes& source) {
   for (const uint16_t mode : {kBilinear, kPoly}) {
     const std::string group = mode == kPoly ? "resize/poly/" : "resize/bilinear/";
     const auto resize_strips = [&] {
-      for (int k = 0; k < kStrips; ++k) {
+      for (int k = 0; k < kZavriStrips; ++k) {
         const T_ResizeParam strip = strip_of(source, target, k, mode);
         zavri_mp_yuv_resize_inner(&strip, nullptr, nullptr);
       }

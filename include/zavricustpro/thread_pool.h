@@ -44,8 +44,7 @@ extern ZAVRI_EXPORT int32_t g_hal_threadpool_init;
  * processing lock, so that all later heavy operations wait too. Until one call succeeds, each
  * builds a fresh pool and never frees the one before.
  *
- * When there is no memory for the pool, or for the tasks of a fan-out, std::bad_alloc is thrown as
- * the head of zavricustpro.h says. */
+ * When there is no memory for the pool, or for the tasks of a fan-out, the process is aborted. */
 ZAVRI_EXPORT int HALThreadPoolInit(void);
 
 /* Stops the pool, joins its threads and frees it, if g_hal_threadpool_init is 1. Tasks that are
