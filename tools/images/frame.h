@@ -22,6 +22,9 @@ struct Layout {
   size_t stride = 0;
   size_t chroma_at = 0;
   size_t bytes = 0;  // of the whole buffer, padding behind the chroma included
+  // A raw file's own layout, in which every operation must work. Elsewhere the planes may be moved
+  // apart, so that no operation runs from one into the other.
+  bool fixed = false;
 };
 
 // An 8-bit YUV 4:2:0 semi-planar picture, BT.601 full range, in one buffer whose layout it keeps;
