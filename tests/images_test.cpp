@@ -286,6 +286,8 @@ TEST_F(Images, RefusalsAreOneLineThatNamesTheFile) {
   save(scene(1, 1), path("tiny.ppm"));
   save(scene(64, 48), path("a.png"));
   write_file(path("text.txt"), {'h', 'e', 'l', 'l', 'o'});
+  const std::string list = "ffconcat version 1.0\nfile a.png\n";
+  write_file(path("list.txt"), {list.begin(), list.end()});
   write_file(path("two.y4m"), y4m(16, 8, "C420jpeg", {Bytes(192), Bytes(192)}));
   write_file(path("short.y4m"), y4m(16, 8, "C420jpeg", {Bytes(60)}));
   struct {
@@ -297,6 +299,7 @@ TEST_F(Images, RefusalsAreOneLineThatNamesTheFile) {
       {"half.jpg", {}, "half.jpg: damaged"},
       {"tiny.ppm", {}, "tiny.ppm: a picture of 1x1; sides of 2 to 32766"},
       {"text.txt", {}, "text.txt: not a picture or a video; for a raw frame give --size WxH"},
+      {"list.txt", {}, "list.txt: cannot be read"},
       {"two.y4m", {}, "two.y4m: there are 2 frames in it; --frame N"},
       {"two.y4m", {{}, "2"}, "two.y4m has 2 frames, 0 to 1"},
       {"two.y4m", {{}, "0:1"}, "--frames 0:1: one frame is used here"},

@@ -9,6 +9,7 @@
 #include <utility>
 
 extern "C" {
+#include <libavutil/opt.h>
 #include <libswscale/swscale.h>
 }
 
@@ -52,11 +53,6 @@ bool is_still(const AVInputFormat& format) {
                              name.compare(name.size() - pipe.size(), pipe.size(), pipe) == 0);
 }
 
-// A playlist or a description of a session names other files, which are not to be opened.
-int refuse_to_open(AVFormatContext*, AVIOContext**, const char*, int, AVDictionary**) {
-  return AVERROR(EPERM);
-}
-
 }  // namespace
 
 void Source::Close::operator()(AVIOContext* io) const {
@@ -96,7 +92,8 @@ Decoder::Decoder(Source& source, const Probe& probe)
   AVFormatContext* context = avformat_alloc_context();
   if (context == nullptr) throw std::bad_alloc();
   context->pb = source.io();
-  context->io_open = refuse_to_open;
+  // A list of files, or of addresses in a network, is not to be followed.
+  av_opt_set(context, "protocol_whitelist", "none", 0);
   // When this fails, it frees the context.
   int code = with_memory(avformat_open_input(&context, "", probe.format, nullptr));
   if (code < 0) throw av_error(path_, "cannot be read", code);
