@@ -6,8 +6,8 @@
 #include <fstream>
 #include <thread>
 
+#include "tests/support/error_of.h"
 #include "tests/support/folder.h"
-#include "tools/error.h"
 #include "tools/images/files.h"
 
 namespace zavri::tools {
@@ -15,16 +15,6 @@ namespace {
 
 namespace fs = std::filesystem;
 using Storage = TestFolder;
-
-template <class Function>
-std::string error_of(Function function) {
-  try {
-    function();
-  } catch (const Error& error) {
-    return error.what();
-  }
-  return "no error";
-}
 
 size_t count_entries(const fs::path& folder) {
   return static_cast<size_t>(std::distance(fs::directory_iterator(folder), {}));

@@ -2,7 +2,13 @@
 if(NOT ZAVRI_TOOLS)
   return()
 endif()
-add_executable(zavri_parts_test images_test.cpp metrics_test.cpp noise_test.cpp storage_test.cpp)
+add_executable(zavri_parts_test
+  images_test.cpp
+  loading_test.cpp
+  metrics_test.cpp
+  noise_test.cpp
+  storage_test.cpp
+  support/pictures.cpp)
 target_link_libraries(zavri_parts_test PRIVATE zavri_images zavri_sensor GTest::gtest_main)
 gtest_discover_tests(zavri_parts_test DISCOVERY_TIMEOUT 60
   PROPERTIES ENVIRONMENT ${test_environment})

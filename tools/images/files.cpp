@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <charconv>
 #include <new>
+#include <optional>
 #include <utility>
 
 #include "tools/error.h"
@@ -22,24 +23,25 @@ struct Range {
   std::string text;  // as it was given, with its option
 };
 
+std::optional<int> parse_index(const std::string& text) {
+  int index = 0;
+  const char* const end = text.data() + text.size();
+  const auto [rest, error] = std::from_chars(text.data(), end, index);
+  if (error != std::errc() || rest != end || index < 0) return std::nullopt;
+  return index;
+}
+
 Range parse_range(const std::string& text, int most) {
   if (text.empty()) return {0, most, ""};
-  const std::string option =
-      (text.find(':') == std::string::npos ? "--frame " : "--frames ") + text;
-  const char* const end = text.data() + text.size();
-  int first = 0;
-  auto [at, error] = std::from_chars(text.data(), end, first);
-  int last = first;
-  if (error == std::errc() && at != end && *at == ':') {
-    std::tie(at, error) = [&] {
-      const auto read = std::from_chars(at + 1, end, last);
-      return std::pair(read.ptr, read.ec);
-    }();
-  }
-  if (error != std::errc() || at != end || first < 0 || last < first) {
+  const size_t colon = text.find(':');
+  const bool is_one = colon == std::string::npos;
+  const std::string option = (is_one ? "--frame " : "--frames ") + text;
+  const std::optional<int> first = parse_index(text.substr(0, colon));
+  const std::optional<int> last = is_one ? first : parse_index(text.substr(colon + 1));
+  if (!first || !last || *last < *first) {
     throw Error(option + ": a number from 0, or two such as 0:3");
   }
-  return {first, int64_t{last} + 1, option};
+  return {*first, int64_t{*last} + 1, option};
 }
 
 [[noreturn]] void refuse_range(const std::string& path, const Range& range, int64_t total) {
@@ -94,11 +96,6 @@ bool is_raw(const std::string& path, const RawOptions& options, const Probe& fou
   return av_guess_format(nullptr, path.c_str(), nullptr) == nullptr;
 }
 
-void check_found(const std::string& path, const Probe& found) {
-  if (found.format != nullptr) return;
-  throw Error(path + ": not a picture or a video; for a raw frame give --size WxH");
-}
-
 [[noreturn]] void refuse_raw_options(const RawOptions& raw, const std::string& path) {
   throw Error(raw.first_given() + ": " + path + " is not raw and says this itself");
 }
@@ -114,6 +111,13 @@ auto with_name(const std::string& path, Function function) {
   }
 }
 
+template <class Image>
+void save_as(const Image& image, const std::string& path) {
+  const Bytes bytes =
+      with_name(path, [&] { return encode(image, path == "-" ? ".y4m" : extension_of(path)); });
+  write_file(path, bytes);
+}
+
 }  // namespace
 
 Loaded load(const std::string& path, const InputOptions& options, int most) {
@@ -122,7 +126,9 @@ Loaded load(const std::string& path, const InputOptions& options, int most) {
     Source source(path);
     const Probe found = has_raw_extension(path) ? Probe{} : probe(source);
     if (is_raw(path, options.raw, found)) return load_raw(source, options.raw, range);
-    check_found(path, found);
+    if (found.format == nullptr) {
+      throw Error(path + ": not a picture or a video; for a raw frame give --size WxH");
+    }
     return load_decoded(source, found, range);
   });
 }
@@ -164,7 +170,7 @@ Picture load_picture(const std::string& path) {
   return with_name(path, [&] {
     Source source(path);
     const Probe found = probe(source);
-    check_found(path, found);
+    if (found.format == nullptr) throw Error(path + ": not a picture or a video");
     const AvFrame frame = Decoder(source, found).next();
     if (frame == nullptr) throw Error(path + ": there is no whole frame in it");
     check_size(path, *frame);
@@ -179,17 +185,6 @@ void check_output(const std::string& path, bool force) {
   check_folder_of(path);
   check_overwrite(path, force);
 }
-
-namespace {
-
-template <class Image>
-void save_as(const Image& image, const std::string& path) {
-  const Bytes bytes =
-      with_name(path, [&] { return encode(image, path == "-" ? ".y4m" : extension_of(path)); });
-  write_file(path, bytes);
-}
-
-}  // namespace
 
 void save(const Frame& frame, const std::string& path) { save_as(frame, path); }
 

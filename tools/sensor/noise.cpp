@@ -105,7 +105,8 @@ Frame capture(const Picture& picture, const SensorNoise& noise, uint64_t seed, i
       uint64_t bits = generator.next();
       for (size_t channel = x; channel < x + 3; ++channel, bits >>= kDrawBits) {
         const float drawn = noise.draws(from[channel])[bits % SensorNoise::kDraws];
-        to[channel] = static_cast<uint8_t>(drawn + 0.5F);
+        const float to_nearest = drawn + 0.5F;
+        to[channel] = static_cast<uint8_t>(to_nearest);
       }
     }
   });
