@@ -62,6 +62,9 @@ int parse_and_run(Command& command, int argc, char** argv) {
   } catch (const CLI::CallForHelp&) {
     print_text(app.help());
     return kDone;
+  } catch (const CLI::ArgumentMismatch& error) {
+    const std::string what = error.what();
+    throw Error(what.substr(0, what.find(':')) + ": takes one value");
   } catch (const CLI::ParseError& error) {
     throw Error(error.what());
   }
@@ -86,12 +89,11 @@ void Options::add(const Setting& setting, bool required) {
   const auto set = [setting](const std::vector<std::string>& texts) {
     for (const std::string& text : texts) setting.set(text);
   };
-  CLI::Option* const added =
-      app_.add_option_function<std::vector<std::string>>(option, set, setting.what);
+  const std::string today = setting.text();
+  const std::string what = today.empty() ? setting.what : setting.what + " [" + today + ']';
+  CLI::Option* const added = app_.add_option_function<std::vector<std::string>>(option, set, what);
   added->type_name(setting.form)->required(required)->allow_extra_args(false);
   if (!setting.repeats) added->expected(1);
-  const std::string today = setting.text();
-  if (!today.empty()) added->default_str(today);
 }
 
 void Options::add(const Settings& settings) {
@@ -138,8 +140,22 @@ int run_command_line(int argc, char** argv) {
 void Input::declare(Options& settings, const char* what, bool required) {
   declare_paths(settings, what, required);
   declare_raw(settings);
-  settings.add({word("frame", options.frames, "N", "of a stream, counted from 0"),
-                word("frames", options.frames, "A:B", "of a stream, B included")});
+  const auto once = [this](const std::string& text) {
+    if (!options.frames.empty()) throw Error("--frames: is given once, or --frame");
+    options.frames = text;
+  };
+  const auto set_frame = [once](const std::string& text) {
+    const bool is_number = parse_whole(text, 0, INT32_MAX).has_value();
+    if (is_number) once(text);
+    return is_number;
+  };
+  const auto set_frames = [once](const std::string& text) {
+    once(text);
+    return true;
+  };
+  const auto none = [] { return ""; };
+  settings.add({{"frame", "N", "of a stream, counted from 0", set_frame, none},
+                {"frames", "A:B", "of a stream, B included", set_frames, none}});
 }
 
 void Input::declare_paths(Options& settings, const char* what, bool required) {

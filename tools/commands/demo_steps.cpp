@@ -1,6 +1,7 @@
 #include "tools/commands/demo_steps.h"
 
 #include <algorithm>
+#include <cmath>
 
 #include "tools/error.h"
 #include "tools/images/files.h"
@@ -17,7 +18,9 @@ constexpr int kResizeWidth = 1920;  // of the part that is enlarged, at most
 constexpr int kResizeHeight = 1080;
 constexpr int kBand = 64;  // between the two frames of the composition
 
-std::string psnr(const PlaneDifference& plane) { return decimals(plane.psnr, 2).dump(); }
+std::string psnr(const PlaneDifference& plane) {
+  return std::isinf(plane.psnr) ? "inf" : decimals(plane.psnr, 2).dump();
+}
 
 std::string luma_psnr(const Frame& clean, const Frame& frame) {
   return psnr(compare(clean, frame).front());
