@@ -176,20 +176,6 @@ void Input::declare_raw(Options& settings) {
                         options.raw.scanlines)});
 }
 
-std::vector<Frame> Input::load(int most) const {
-  std::vector<Frame> frames;
-  std::vector<Loaded> all = load_all(paths, options, most);
-  for (size_t k = 0; k < all.size(); ++k) {
-    if (options.frames.empty() && all[k].total_frames > most) {
-      throw Error(paths[k] + ": there are " + std::to_string(all[k].total_frames) +
-                  " frames in it, where " + std::to_string(most) +
-                  " can be taken; --frame N or --frames A:B name them, counted from 0");
-    }
-    for (Frame& frame : all[k].frames) frames.push_back(std::move(frame));
-  }
-  return frames;
-}
-
 void Output::declare(Options& settings) {
   settings.add(word("o", path, "OUT", "result, by its extension; - for Y4M on stdout"), true);
 }

@@ -71,8 +71,6 @@ struct Input {
   // Two parts of it: the paths, and --size and the others of raw frames.
   void declare_paths(Options& settings, const char* what, bool required = true);
   void declare_raw(Options& settings);
-  // All frames of the files. A stream may hold at most so many unless the options name some.
-  std::vector<Frame> load(int most) const;
 };
 
 // The frame that a command writes.

@@ -40,7 +40,7 @@ class Compare : public Command {
 
   int run(Console& console) override {
     if (!difference_.path.empty()) difference_.prepare(console);
-    const std::vector<Frame> frames = input_.load(2);
+    const std::vector<Frame> frames = load_frames(input_.paths, input_.options, 2);
     if (frames.size() != 2) throw Error("IN: two frames are compared");
     const Frame& a = frames[0];
     const Frame& b = frames[1];

@@ -32,7 +32,7 @@ void OperateCommand::declare(Options& options) {
 
 int OperateCommand::run(Console& console) {
   output_.prepare(console);
-  const Frames frames = input_.load(operation().takes().most);
+  const Frames frames = load_frames(input_.paths, input_.options, operation().takes().most);
   const Result result = operation().run(frames);
   save(result.frame, output_.path);
   for (const std::string& remark : result.remarks) console.remark(remark);

@@ -15,7 +15,7 @@ class View : public Command {
 
   int run(Console& console) override {
     output_.prepare(console);
-    const std::vector<Frame> frames = input_.load(1);
+    const std::vector<Frame> frames = load_frames(input_.paths, input_.options, 1);
     if (frames.size() > 1) throw Error("IN: one frame is turned at a time");
     save(frames.front(), output_.path);
     console.print({{"output", output_.path}, {"size", frames.front().size()}});

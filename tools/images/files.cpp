@@ -145,25 +145,25 @@ std::vector<Loaded> load_all(const std::vector<std::string>& paths, const InputO
   return all;
 }
 
-Frame load_frame(const std::string& path, const InputOptions& options) {
-  return std::move(load_frame_of_each({path}, options).front());
-}
-
-std::vector<Frame> load_frame_of_each(const std::vector<std::string>& paths,
-                                      const InputOptions& options) {
-  std::vector<Loaded> all = load_all(paths, options);
+std::vector<Frame> load_frames(const std::vector<std::string>& paths, const InputOptions& options,
+                               int most) {
+  std::vector<Loaded> all = load_all(paths, options, most);
   std::vector<Frame> frames;
   for (size_t k = 0; k < all.size(); ++k) {
-    if (options.frames.empty() && all[k].total_frames > 1) {
+    if (options.frames.empty() && all[k].total_frames > most) {
       throw Error(paths[k] + ": there are " + std::to_string(all[k].total_frames) +
-                  " frames in it; --frame N takes one, counted from 0");
+                  " frames in it; --frame N" +
+                  (most > 1 ? " or --frames A:B names some" : " names one") + ", counted from 0");
     }
-    if (all[k].frames.size() > 1) {
-      throw Error("--frames " + options.frames + ": one frame is used here");
-    }
-    frames.push_back(std::move(all[k].frames.front()));
+    for (Frame& frame : all[k].frames) frames.push_back(std::move(frame));
   }
   return frames;
+}
+
+Frame load_frame(const std::string& path, const InputOptions& options) {
+  std::vector<Frame> frames = load_frames({path}, options, 1);
+  if (frames.size() > 1) throw Error("--frames " + options.frames + ": one frame is used here");
+  return std::move(frames.front());
 }
 
 Picture load_picture(const std::string& path) {

@@ -33,13 +33,13 @@ Loaded load(const std::string& path, const InputOptions& options, int most = 1);
 std::vector<Loaded> load_all(const std::vector<std::string>& paths, const InputOptions& options,
                              int most = 1);
 
-// The one frame of a file. Throws when there are more and the options do not name one, and when
-// raw options were given for a file that is not raw.
-Frame load_frame(const std::string& path, const InputOptions& options);
+// The frames of all paths. Throws when a stream has more than `most` and the options name none, and
+// like load_all().
+std::vector<Frame> load_frames(const std::vector<std::string>& paths, const InputOptions& options,
+                               int most);
 
-// The same for two or more files that need not all be raw.
-std::vector<Frame> load_frame_of_each(const std::vector<std::string>& paths,
-                                      const InputOptions& options);
+// The one frame of a file.
+Frame load_frame(const std::string& path, const InputOptions& options);
 
 // A picture, or the first frame of a stream, as RGB at its full size.
 Picture load_picture(const std::string& path);
