@@ -1,9 +1,28 @@
-# Tests of the program; they run it, under the emulator in a cross build.
-add_executable(zavri_program_test zavri_test.cpp)
-target_link_libraries(zavri_program_test PRIVATE zavri_tool_parts GTest::gtest_main)
-string(REPLACE ";" " " zavri_emulator "${CMAKE_CROSSCOMPILING_EMULATOR}")
+# Tests of the program's parts, and of the program, which they run.
+add_executable(zavri_parts_test
+  images_test.cpp
+  loading_test.cpp
+  metrics_test.cpp
+  noise_test.cpp
+  storage_test.cpp
+  support/pictures.cpp)
+target_link_libraries(zavri_parts_test PRIVATE zavri_images zavri_sensor GTest::gtest_main)
+gtest_discover_tests(zavri_parts_test DISCOVERY_TIMEOUT 60
+  PROPERTIES ENVIRONMENT ${test_environment})
+
+add_executable(zavri_plain_caller plain_caller.c)
+target_link_libraries(zavri_plain_caller PRIVATE zavricustpro)
+
+add_executable(zavri_program_test
+  zavri_errors_test.cpp
+  zavri_layout_test.cpp
+  zavri_test.cpp
+  support/program.cpp)
+target_link_libraries(zavri_program_test PRIVATE zavri_images zavricustpro GTest::gtest_main)
 target_compile_definitions(zavri_program_test PRIVATE
-  ZAVRI_COMMAND="${zavri_emulator} $<TARGET_FILE:zavri>")
+  ZAVRI_COMMAND="$<TARGET_FILE:zavri>"
+  ZAVRI_PLAIN_CALLER="$<TARGET_FILE:zavri_plain_caller>")
+add_dependencies(zavri_program_test zavri zavri_plain_caller)
 if(ZAVRI_SANITIZE MATCHES "thread")
   # Strips at once race for the rows that they share, by design.
   target_compile_definitions(zavri_program_test PRIVATE ZAVRI_WITHOUT_RACES)

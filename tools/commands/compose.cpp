@@ -1,28 +1,12 @@
-#include "tools/compose.h"
+#include "tools/operations/compose.h"
 
-#include "tools/commands/commands.h"
-#include "tools/error.h"
-#include "tools/frame_io.h"
+#include "tools/commands/operate.h"
 
 namespace zavri::tools {
+namespace {
 
-int run_compose(const ComposeOptions& options, const Console& console) {
-  check_extension(options.output);
-  check_output(options.output, console.force);
-  const Frame a = load_frame(options.a, options.raw);
-  const Frame b = load_frame(options.b, options.raw);
-  const Composed composed = compose(a, b, options.settings);
-  write_file(options.output, encode(composed.frame, options.output));
-  const std::string inexact = remark(a, options.settings);
-  if (!inexact.empty()) console.say(inexact);
-  // stdout may be the output itself.
-  if (options.output != "-") {
-    console.print({{"output", options.output},
-                   {"size", composed.frame.size()},
-                   {"padding", options.settings.padding},
-                   {"milliseconds", decimals(1e3 * composed.seconds, 2)}});
-  }
-  return kDone;
-}
+Operate<Compose> g_compose("compose", "two frames side by side at half their size",
+                           "compose a.png b.png --pad center --padding 32 -o both.png");
 
+}  // namespace
 }  // namespace zavri::tools

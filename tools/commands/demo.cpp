@@ -4,12 +4,12 @@
 #include <limits>
 #include <numeric>
 
-#include "tools/burst.h"
-#include "tools/commands/commands.h"
+#include "tools/command_line.h"
 #include "tools/commands/demo_steps.h"
 #include "tools/error.h"
-#include "tools/frame_io.h"
-#include "tools/metrics.h"
+#include "tools/images/metrics.h"
+#include "tools/operations/denoise.h"
+#include "tools/sensor/burst.h"
 
 namespace zavri::tools {
 namespace {
@@ -19,22 +19,16 @@ constexpr int kFrames = 4;
 constexpr int kRuns = 7;
 constexpr int kCropSide = 640;
 
-std::string photograph_of(const DemoOptions& options) {
-  if (!options.photograph.empty()) return options.photograph;
-  if (!std::filesystem::exists(kDefaultPhotograph)) {
-    throw Error(std::string("PHOTO: name a photograph, or install lomiri-wallpapers-16.04 for ") +
-                kDefaultPhotograph);
-  }
-  return kDefaultPhotograph;
-}
-
 struct Part {
   int x, y, width, height;
 };
 
+// The samples of a part without padding stand one after the other.
 int64_t detail(const Frame& part) {
+  const uint8_t* const luma = part.luma_row(0);
+  const auto count = static_cast<int64_t>(part.width()) * part.height();
   int64_t sum = 0;
-  for (size_t i = 1; i < part.luma.size(); ++i) sum += std::abs(part.luma[i] - part.luma[i - 1]);
+  for (int64_t i = 1; i < count; ++i) sum += std::abs(luma[i] - luma[i - 1]);
   return sum;
 }
 
@@ -42,8 +36,9 @@ int64_t detail(const Frame& part) {
 int64_t evenness(const Frame& part) {
   constexpr int64_t kDark = 64;
   constexpr int64_t kBright = 160;
-  const auto count = static_cast<int64_t>(part.luma.size());
-  const int64_t mean = std::accumulate(part.luma.begin(), part.luma.end(), int64_t{0}) / count;
+  const uint8_t* const luma = part.luma_row(0);
+  const auto count = static_cast<int64_t>(part.width()) * part.height();
+  const int64_t mean = std::accumulate(luma, luma + count, int64_t{0}) / count;
   const bool middle = mean >= kDark && mean <= kBright;
   return -detail(part) - (middle ? 0 : 255 * count);
 }
@@ -51,11 +46,11 @@ int64_t evenness(const Frame& part) {
 // The part with the highest score(part).
 template <class Score>
 Part best_part(const Frame& frame, Score score) {
-  Part part{0, 0, std::min(kCropSide, frame.width), std::min(kCropSide, frame.height)};
+  Part part{0, 0, std::min(kCropSide, frame.width()), std::min(kCropSide, frame.height())};
   Part best = part;
   int64_t highest = std::numeric_limits<int64_t>::min();
-  for (part.y = 0; part.y + part.height <= frame.height; part.y += kCropSide / 2) {
-    for (part.x = 0; part.x + part.width <= frame.width; part.x += kCropSide / 2) {
+  for (part.y = 0; part.y + part.height <= frame.height(); part.y += kCropSide / 2) {
+    for (part.x = 0; part.x + part.width <= frame.width(); part.x += kCropSide / 2) {
       const int64_t reached = score(frame.crop(part.x, part.y, part.width, part.height));
       if (reached <= highest) continue;
       highest = reached;
@@ -93,56 +88,103 @@ Report quality(const Frame& clean, const Frame& before, const Frame& after) {
   const std::vector<PlaneDifference> denoised = compare(clean, after);
   for (size_t i = 0; i < noisy.size(); ++i) {
     table.push_back({{"plane", noisy[i].plane},
-                     {"PSNR before", decimals(noisy[i].psnr, 2)},
-                     {"PSNR after", decimals(denoised[i].psnr, 2)},
-                     {"SSIM before", decimals(noisy[i].ssim, 4)},
-                     {"SSIM after", decimals(denoised[i].ssim, 4)}});
+                     {"psnr_before", decimals(noisy[i].psnr, 2)},
+                     {"psnr_after", decimals(denoised[i].psnr, 2)},
+                     {"ssim_before", decimals(noisy[i].ssim, 4)},
+                     {"ssim_after", decimals(denoised[i].ssim, 4)}});
   }
   return table;
 }
 
-}  // namespace
+class Demo : public Command {
+ public:
+  using Command::Command;
 
-int run_demo(const DemoOptions& options, const Console& console) {
-  const std::string photograph = photograph_of(options);
-  const std::string folder = options.folder + '/';
+  void declare(Options& options) override {
+    sensor_.gain = 32;
+    denoise_.thresh = 28;
+    denoise_.thresh_luma = 40;
+    options.argument("PHOTO", photograph_, "photograph; without one, a packaged one", false);
+    options.add(word("o", folder_, "FOLDER", "of the results"));
+    options.add(denoise_.settings());
+    declare_sensor(options, sensor_, seed_);
+  }
+
+  int run(Console& console) override;
+
+ private:
+  void find_photograph();
+  // Throws unless all that is to be written can be.
+  void prepare(const std::vector<NamedFrame>& raw, const Console& console) const;
+  void write(const BurstFrames& burst, const Frame& before, const Frame& after) const;
+
+  std::string photograph_;
+  std::string folder_ = "zavri-demo";
+  Sensor sensor_;
+  int64_t seed_ = 1;
+  Denoise denoise_;
+};
+
+void Demo::find_photograph() {
+  if (!photograph_.empty()) return;
+  if (!std::filesystem::exists(kDefaultPhotograph)) {
+    throw Error(std::string("PHOTO: name a photograph, or install lomiri-wallpapers-16.04 for ") +
+                kDefaultPhotograph);
+  }
+  photograph_ = kDefaultPhotograph;
+}
+
+void Demo::prepare(const std::vector<NamedFrame>& raw, const Console& console) const {
+  make_folder(folder_);
   std::vector<std::string> pictures = further_pictures();
   pictures.insert(pictures.end(), {"before.png", "after.png", "crop.png"});
-  for (const std::string& name : pictures) check_output(folder + name, console.force);
-  console.progress("making " + std::to_string(kFrames) + " noisy frames of " + photograph);
-  const BurstFrames burst =
-      make_burst(load_picture(photograph), options.sensor, options.seed, kFrames);
-  const Frame& before = burst.noisy[static_cast<size_t>(options.settings.reference)];
-  console.progress("denoising");
-  const DenoiseResult result = denoise(burst.noisy, options.settings, kRuns);
-  for (const std::string& line : remarks(result, options.settings, kFrames)) console.say(line);
-
-  console.progress("writing pictures");
-  std::vector<NamedFrame> raw = name_frames(burst, options.folder, "nv12");
-  raw.push_back({folder + "denoised_" + before.size() + ".nv12", &result.frame});
+  for (const std::string& name : pictures) check_output(folder_ + '/' + name, console.force);
   for (const NamedFrame& frame : raw) check_output(frame.path, console.force);
-  make_folder(options.folder);
-  for (const NamedFrame& frame : raw) write_file(frame.path, encode(*frame.frame, frame.path));
-  write_file(folder + "before.png", encode(before, "before.png"));
-  write_file(folder + "after.png", encode(result.frame, "after.png"));
-  const std::vector<Part> parts{best_part(burst.clean, detail), best_part(burst.clean, evenness)};
-  write_file(folder + "crop.png",
-             encode(side_by_side({&before, &result.frame, &burst.clean}, parts), "crop.png"));
-  console.progress("running the other operations");
-  const Report further = further_operations({burst.clean, before, result.frame, folder, kRuns});
+}
 
-  console.print({{"photograph", photograph},
-                 {"size", before.size()},
-                 {"frames", kFrames},
-                 {"sensor gain", options.sensor.gain},
-                 {"denoise", quality(burst.clean, before, result.frame)},
-                 {"thresh", result.thresh},
-                 {"threshY", result.thresh_luma},
-                 {"milliseconds", decimals(1e3 * result.seconds, 1)},
-                 {"megapixels per second", decimals(before.megapixels() / result.seconds, 0)},
-                 {"further operations", further},
-                 {"pictures", folder + "before.png after.png crop.png (before, after, clean)"}});
+void Demo::write(const BurstFrames& burst, const Frame& before, const Frame& after) const {
+  save(before, folder_ + "/before.png");
+  save(after, folder_ + "/after.png");
+  const std::vector<Part> parts{best_part(burst.clean, detail), best_part(burst.clean, evenness)};
+  save(side_by_side({&before, &after, &burst.clean}, parts), folder_ + "/crop.png");
+}
+
+int Demo::run(Console& console) {
+  find_photograph();
+  console.progress("making " + std::to_string(kFrames) + " noisy frames of " + photograph_);
+  const BurstFrames burst =
+      make_burst(load_picture(photograph_), sensor_, static_cast<uint64_t>(seed_), kFrames);
+  const Frame& before = burst.noisy[static_cast<size_t>(denoise_.reference)];
+  Result result;
+  result.frame = before;
+  std::vector<NamedFrame> raw = name_frames(burst, folder_, "nv12");
+  raw.push_back({folder_ + "/denoised_" + before.size() + ".nv12", &result.frame});
+  prepare(raw, console);
+  console.progress("denoising");
+  result = denoise_.run(burst.noisy, kRuns);
+  for (const std::string& remark : result.remarks) console.remark(remark);
+  console.progress("writing pictures");
+  for (const NamedFrame& frame : raw) save(*frame.frame, frame.path);
+  write(burst, before, result.frame);
+  console.progress("running the other operations");
+  const Report further =
+      further_operations({burst.clean, before, result.frame, folder_ + '/', kRuns});
+
+  Report report{{"photograph", photograph_},
+                {"size", before.size()},
+                {"frames", kFrames},
+                {"sensor_gain", sensor_.gain},
+                {"denoise", quality(burst.clean, before, result.frame)}};
+  for (const auto& [name, number] : result.figures) report[name] = decimals(number, 0);
+  report["milliseconds"] = decimals(1e3 * result.seconds, 1);
+  report["megapixels_per_second"] = decimals(before.megapixels() / result.seconds, 0);
+  report["further_operations"] = further;
+  report["pictures"] = {folder_ + "/before.png", "after.png", "crop.png"};
+  console.print(report);
   return kDone;
 }
 
+Demo g_demo("demo", "a noisy burst of a photograph made clean", "demo photo.jpg -o out");
+
+}  // namespace
 }  // namespace zavri::tools

@@ -3,8 +3,8 @@
 #include <string>
 #include <vector>
 
-#include "tools/frame.h"
-#include "tools/report.h"
+#include "tools/console.h"
+#include "tools/images/frame.h"
 
 namespace zavri::tools {
 

@@ -1,9 +1,8 @@
 #include <dlfcn.h>
 #include <zavricustpro.h>
 
-#include "tools/commands/commands.h"
+#include "tools/command_line.h"
 #include "tools/error.h"
-#include "tools/frame_io.h"
 
 namespace zavri::tools {
 namespace {
@@ -27,28 +26,40 @@ const char* processor() {
 #endif
 }
 
-}  // namespace
+class Info : public Command {
+ public:
+  using Command::Command;
 
-int run_info(const InfoOptions& options, const Console& console) {
-  Report report{{"version", ZAVRI_VERSION},
-                {"library", library_file()},
-                {"processor", processor()},
-                {"pointer bits", 8 * sizeof(void*)}};
-  Report files = Report::array();
-  for (const std::string& input : options.inputs) {
-    const Loaded loaded = load(input, options.raw);
-    const Frame& first = loaded.frames.front();
-    files.push_back({{"file", input},
-                     {"format", loaded.format},
-                     {"size", first.size()},
-                     {"megapixels", decimals(first.megapixels(), 2)},
-                     {"luma bytes", first.luma.size()},
-                     {"chroma bytes", first.chroma.size()},
-                     {"frames", loaded.frames.size()}});
+  void declare(Options& options) override { input_.declare(options, "frames", false); }
+
+  int run(Console& console) override {
+    Report report{{"version", ZAVRI_VERSION},
+                  {"library", library_file()},
+                  {"processor", processor()},
+                  {"pointer_bits", 8 * sizeof(void*)}};
+    Report files = Report::array();
+    const std::vector<Loaded> all = load_all(input_.paths, input_.options);
+    for (size_t k = 0; k < all.size(); ++k) {
+      const Frame& first = all[k].frames.front();
+      files.push_back({{"file", input_.paths[k]},
+                       {"format", all[k].format},
+                       {"size", first.size()},
+                       {"megapixels", decimals(first.megapixels(), 2)},
+                       {"stride", first.layout().stride},
+                       {"bytes", first.layout().bytes},
+                       {"frames", all[k].total_frames}});
+    }
+    if (!files.empty()) report["files"] = files;
+    console.print(report);
+    return kDone;
   }
-  if (!files.empty()) report["files"] = files;
-  console.print(report);
-  return kDone;
-}
 
+ private:
+  Input input_;
+};
+
+Info g_info("info", "the library, this processor, and what files hold",
+            "info frame0_4000x3000.nv12");
+
+}  // namespace
 }  // namespace zavri::tools

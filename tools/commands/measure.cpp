@@ -1,19 +1,17 @@
-#include "tools/measure.h"
+#include "tools/operations/measure.h"
 
 #include <algorithm>
-#include <cstdio>
-#include <optional>
+#include <climits>
 
-#include "tools/commands/commands.h"
+#include "tools/command_line.h"
 #include "tools/error.h"
-#include "tools/frame_io.h"
 
 namespace zavri::tools {
 namespace {
 
 Report row_of(const std::string& name, const Rect& rect, const Measures& measures) {
   return {{"file", name},
-          {"rect", rect.text()},
+          {"rect", {rect.x, rect.y, rect.width, rect.height}},
           {"focus", measures.focus},
           {"derivation", measures.derivation},
           {"average", measures.average},
@@ -37,58 +35,63 @@ void mark_sharpest(Report& rows, const std::vector<Rect>& rects, bool as_text) {
   }
 }
 
-std::string csv_cell(const Report& value) {
-  if (!value.is_string()) return value.dump();
-  std::string text = value.get<std::string>();
-  for (size_t at = 0; (at = text.find('"', at)) != std::string::npos; at += 2)
-    text.insert(at, 1, '"');
-  return text.find_first_of(",\"\n") == std::string::npos ? text : '"' + text + '"';
-}
+class Measure : public Command {
+ public:
+  using Command::Command;
 
-void print_csv(const Report& rows) {
-  std::string lines;
-  const auto end_line = [&] { lines.back() = '\n'; };
-  for (const auto& item : rows.front().items()) lines += csv_cell(item.key()) + ',';
-  end_line();
-  for (const Report& row : rows) {
-    for (const Report& value : row) lines += csv_cell(value) + ',';
-    end_line();
+  void declare(Options& options) override {
+    input_.declare(options, "frames; of several the sharpest is marked");
+    const auto parse = [this](const std::string& text) {
+      rect_ = parse_rect(text);
+      return rect_.has_value();
+    };
+    options.add({{"rect", "x,y,width,height",
+                  "without it all but the last column and row, which is the largest there is, or "
+                  "of frames above 8 megapixels its middle",
+                  parse, [] { return ""; }},
+                 flag("csv", csv_, "print results as comma-separated values")});
   }
-  std::fputs(lines.c_str(), stdout);
-}
+
+  int run(Console& console) override {
+    if (csv_ && console.json) throw Error("--csv: goes without --json");
+    console.csv = csv_;
+    for (const std::string& path : input_.paths) {
+      const std::vector<Frame> frames = load_all({path}, input_.options, INT_MAX).front().frames;
+      for (const Frame& frame : frames) {
+        const std::string number =
+            frames.size() > 1 ? '#' + std::to_string(&frame - &frames[0]) : "";
+        add(path + number, frame);
+      }
+    }
+    const bool may_wrap =
+        std::any_of(rects_.begin(), rects_.end(), [](const Rect& rect) { return rect.may_wrap(); });
+    if (may_wrap) {
+      console.remark("--rect: the library's sums count modulo 2^32; above " +
+                     std::to_string(kSafeSamples) +
+                     " samples they may have wrapped, and no frame is marked");
+    } else {
+      mark_sharpest(rows_, rects_, !console.json);
+    }
+    console.print({{"measures", rows_}});
+    return kDone;
+  }
+
+ private:
+  void add(const std::string& name, const Frame& frame) {
+    const Rect rect = rect_ ? *rect_ : default_rect(frame);
+    rows_.push_back(row_of(name, rect, measure(name, frame, rect)));
+    rects_.push_back(rect);
+  }
+
+  Input input_;
+  std::optional<Rect> rect_;
+  bool csv_ = false;
+  Report rows_ = Report::array();
+  std::vector<Rect> rects_;
+};
+
+Measure g_measure("measure", "focus value, derivation, average and brightness of the luma",
+                  "measure sweep/*_4000x3000.nv12 --rect 1600,1200,800,600");
 
 }  // namespace
-
-int run_measure(const MeasureOptions& options, const Console& console) {
-  std::optional<Rect> asked;
-  if (options.rect) asked = parse_rect(*options.rect);
-  Report rows = Report::array();
-  std::vector<Rect> rects;
-  bool may_wrap = false;
-  for (const std::string& input : options.inputs) {
-    const std::vector<Frame> frames = load(input, options.raw).frames;
-    for (const Frame& frame : frames) {
-      const Rect rect = asked ? *asked : default_rect(frame);
-      const std::string number = frames.size() > 1 ? '#' + std::to_string(&frame - &frames[0]) : "";
-      const std::string name = input + number;
-      rows.push_back(row_of(name, rect, measure(name, frame, rect)));
-      rects.push_back(rect);
-      may_wrap |= rect.may_wrap();
-    }
-  }
-  if (may_wrap) {
-    console.say("--rect: the library's sums count modulo 2^32; above " +
-                std::to_string(kSafeSamples) +
-                " samples they may have wrapped, and no frame is marked");
-  } else {
-    mark_sharpest(rows, rects, !console.json);
-  }
-  if (options.csv && !console.quiet) {
-    print_csv(rows);
-  } else {
-    console.print({{"measures", rows}});
-  }
-  return kDone;
-}
-
 }  // namespace zavri::tools

@@ -1,26 +1,12 @@
-#include "tools/commands/commands.h"
-#include "tools/error.h"
-#include "tools/frame_io.h"
-#include "tools/radial.h"
+#include "tools/operations/rnr.h"
+
+#include "tools/commands/operate.h"
 
 namespace zavri::tools {
+namespace {
 
-int run_rnr(const RnrOptions& options, const Console& console) {
-  check_extension(options.output);
-  check_output(options.output, console.force);
-  const Frame frame = load_frame(options.input, options.raw);
-  const RadialResult result = reduce_radially(frame, options.settings);
-  write_file(options.output, encode(result.frame, options.output));
-  // stdout may be the output itself.
-  if (options.output != "-") {
-    console.print({{"output", options.output},
-                   {"size", frame.size()},
-                   {"radius", options.settings.radius},
-                   {"strength", options.settings.strength},
-                   {"milliseconds of the tables", decimals(1e3 * result.tables_seconds, 2)},
-                   {"milliseconds", decimals(1e3 * result.seconds, 2)}});
-  }
-  return kDone;
-}
+Operate<Rnr> g_rnr("rnr", "blur the luma the more, the farther from the centre",
+                   "rnr frame_4000x3000.nv12 --radius 90 --strength 70 -o out.png");
 
+}  // namespace
 }  // namespace zavri::tools

@@ -1,0 +1,172 @@
+/* A caller of the library as a camera HAL is one: reads padded dumps, calls the library on their
+ * very bytes, and writes them.
+ *
+ *   plain_caller OPERATION WIDTH HEIGHT STRIDE SCANLINES OUT IN...
+ */
+#include <stdio.h>
+#include <stdlib.h>
+#include <string.h>
+#include <zavricustpro.h>
+
+enum { kMostFrames = 4, kSlack = 1 << 20 };
+
+struct Dumps {
+  size_t width, height, stride, chroma_at, bytes;
+  size_t count;
+  uint8_t* frames[kMostFrames];
+};
+
+static int is(const char* text, const char* word) { return strcmp(text, word) == 0; }
+
+static void* allocate(size_t bytes) {
+  void* const memory = calloc(bytes, 1);
+  if (memory == NULL) abort();
+  return memory;
+}
+
+static void read_dump(struct Dumps* dumps, const char* path) {
+  uint8_t* const bytes = allocate(dumps->bytes + kSlack);
+  FILE* const file = fopen(path, "rb");
+  if (file == NULL || fread(bytes, 1, dumps->bytes, file) != dumps->bytes) abort();
+  fclose(file);
+  dumps->frames[dumps->count++] = bytes;
+}
+
+static void write_bytes(const char* path, const uint8_t* bytes, size_t count) {
+  FILE* const file = fopen(path, "wb");
+  if (file == NULL || fwrite(bytes, 1, count, file) != count || fclose(file) != 0) abort();
+}
+
+/* A single frame is smoothed, of more the last is denoised. */
+static void denoise(const char* mode, const struct Dumps* dumps) {
+  T_3DYuvDenoiseParam param;
+  memset(&param, 0, sizeof param);
+  param.ref_index = (uint8_t)(dumps->count - 1);
+  param.frame_num = (uint8_t)dumps->count;
+  param.switch_a = is(mode, "whole") || is(mode, "smooth");
+  param.switch_b = is(mode, "edges");
+  param.switch_c = is(mode, "edges-luma");
+  param.switch_d = is(mode, "smooth");
+  param.thresh_tune = 1;
+  param.gain = 10;
+  param.width = (uint32_t)dumps->width;
+  param.height = (uint32_t)dumps->height;
+  param.y_stride = param.uv_stride = (uint32_t)dumps->stride;
+  param.uv_offset = (uint32_t)dumps->chroma_at;
+  param.thresh = 60;
+  param.threshY = 90;
+  memcpy(param.frame_y, dumps->frames, sizeof param.frame_y);
+  zavri_mp_3D_YUV_denoise(&param);
+}
+
+/* Differences below 16 count, the less the larger they are. */
+static void denoise_chroma(const char* taps, const struct Dumps* dumps) {
+  T_UVDenoiseParam param;
+  memset(&param, 0, sizeof param);
+  param.width = (uint32_t)dumps->width;
+  param.height = (uint32_t)dumps->height / 2;
+  param.stride = (uint32_t)dumps->stride;
+  param.uv_plane = dumps->frames[0] + dumps->chroma_at;
+  param.kernel_size = (int8_t)atoi(taps);
+  param.threshold = 16;
+  for (int d = 0; d < param.threshold; ++d) param.weight_table[d] = (int8_t)(64 - 4 * d);
+  for (uint32_t strip = 0; strip < kZavriStrips; ++strip) {
+    if (is(taps, "legacy")) {
+      zavri_mp_single_UV_denoise_inner_11(&strip, &param, NULL);
+    } else {
+      zavri_mp_UV_denoise_inner(&strip, &param, NULL);
+    }
+  }
+}
+
+static void reduce_radially(const struct Dumps* dumps) {
+  zavri_mp_RNR_init_base((uint32_t)dumps->width, (uint32_t)dumps->height, (uint32_t)dumps->stride,
+                         70, 90);
+  for (uint32_t tile = 0; tile < 12; ++tile) zavri_mp_RNR_init_weight(&tile);
+  for (uint32_t tile = 0; tile < 12; ++tile) zavri_mp_RNR_process_inner(&tile, dumps->frames[0]);
+}
+
+/* To a frame without padding that is 400 columns wider and 100 rows higher. */
+static void resize(uint16_t mode, const struct Dumps* dumps, const char* path) {
+  const size_t width = dumps->width + 400;
+  const size_t height = dumps->height + 100;
+  uint8_t* const to = allocate(width * height * 3 / 2);
+  T_ResizeParam param;
+  memset(&param, 0, sizeof param);
+  param.scale_mode = mode;
+  param.src_width = (uint16_t)dumps->width;
+  param.src_height = (uint16_t)dumps->height;
+  param.src_stride = (uint16_t)dumps->stride;
+  param.src_y = dumps->frames[0];
+  param.src_uv = dumps->frames[0] + dumps->chroma_at;
+  param.dst_width = param.dst_stride = (uint16_t)width;
+  param.dst_height = (uint16_t)height;
+  param.dst_y = to;
+  param.dst_uv = to + width * height;
+  if (zavri_mp_resize_process(&param) != 0) abort();
+  write_bytes(path, to, width * height * 3 / 2);
+  free(to);
+}
+
+/* The record has no stride: the frames are copied without their padding. */
+static uint8_t* without_padding(const struct Dumps* dumps, size_t index) {
+  uint8_t* const bytes = allocate(dumps->width * dumps->height * 3 / 2);
+  for (size_t y = 0; y < dumps->height * 3 / 2; ++y) {
+    const size_t at = y < dumps->height ? y * dumps->stride
+                                        : dumps->chroma_at + (y - dumps->height) * dumps->stride;
+    memcpy(bytes + y * dumps->width, dumps->frames[index] + at, dumps->width);
+  }
+  return bytes;
+}
+
+static void compose(uint32_t mode, const struct Dumps* dumps, const char* path) {
+  uint8_t* const a = without_padding(dumps, 0);
+  uint8_t* const b = without_padding(dumps, 1);
+  T_ComposeParam param;
+  memset(&param, 0, sizeof param);
+  param.width = (uint16_t)dumps->width;
+  param.height = (uint16_t)dumps->height;
+  param.mode = mode;
+  param.padding = 32;
+  param.src_frame1 = a;
+  param.src_frame2 = b;
+  param.dst_frame = allocate(dumps->width * dumps->height * 3 / 2);
+  if (zavri_mp_compose_two_same_frame(&param) != 0) abort();
+  write_bytes(path, param.dst_frame, dumps->width * dumps->height * 3 / 2);
+  free(param.dst_frame);
+  free(a);
+  free(b);
+}
+
+static void run(const char* operation, const struct Dumps* dumps, const char* path) {
+  static const char* const places[] = {"left", "right", "center", "both"};
+  if (is(operation, "poly")) return resize(0, dumps, path);
+  if (is(operation, "bilinear")) return resize(1, dumps, path);
+  for (uint32_t mode = 0; mode < 4; ++mode) {
+    if (is(operation, places[mode])) return compose(mode, dumps, path);
+  }
+  if (is(operation, "rnr")) {
+    reduce_radially(dumps);
+  } else if (is(operation, "legacy") || atoi(operation) > 0) {
+    denoise_chroma(operation, dumps);
+  } else {
+    denoise(operation, dumps);
+  }
+  write_bytes(path, dumps->frames[is(operation, "rnr") ? 0 : dumps->count - 1], dumps->bytes);
+}
+
+int main(int argc, char** argv) {
+  struct Dumps dumps;
+  if (argc < 8 || argc > 7 + kMostFrames) return 2;
+  memset(&dumps, 0, sizeof dumps);
+  dumps.width = strtoul(argv[2], NULL, 10);
+  dumps.height = strtoul(argv[3], NULL, 10);
+  dumps.stride = strtoul(argv[4], NULL, 10);
+  dumps.chroma_at = dumps.stride * strtoul(argv[5], NULL, 10);
+  dumps.bytes = dumps.chroma_at * 3 / 2;
+  for (int k = 7; k < argc; ++k) read_dump(&dumps, argv[k]);
+  run(argv[1], &dumps, argv[6]);
+  for (size_t k = 0; k < dumps.count; ++k) free(dumps.frames[k]);
+  HALThreadPoolDestroy();
+  return 0;
+}

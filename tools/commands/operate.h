@@ -1,0 +1,36 @@
+#pragma once
+
+#include "tools/command_line.h"
+#include "tools/operations/operation.h"
+
+namespace zavri::tools {
+
+// A command that runs one operation on frames of files and writes what it makes.
+class OperateCommand : public Command {
+ public:
+  using Command::Command;
+
+  void declare(Options& options) override;
+  int run(Console& console) override;
+
+ protected:
+  virtual Operation& operation() = 0;
+
+ private:
+  Input input_;
+  Output output_;
+};
+
+template <class AnyOperation>
+class Operate : public OperateCommand {
+ public:
+  using OperateCommand::OperateCommand;
+
+ protected:
+  Operation& operation() override { return operation_; }
+
+ private:
+  AnyOperation operation_;
+};
+
+}  // namespace zavri::tools

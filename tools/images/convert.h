@@ -1,0 +1,25 @@
+#pragma once
+
+#include "tools/images/ffmpeg.h"
+#include "tools/images/frame.h"
+
+// Pixel formats, ranges and matrices. An AVFrame here always says its range and its matrix.
+namespace zavri::tools {
+
+// The format, range and matrix of a conversion's result.
+struct PixelTarget {
+  AVPixelFormat format;
+  AVColorRange range = AVCOL_RANGE_JPEG;
+  AVColorSpace matrix = AVCOL_SPC_BT470BG;
+};
+AvFrame convert(const AVFrame& from, const PixelTarget& target);
+
+// Copies into FFmpeg's buffers, whose rows are padded as its vector code needs them.
+AvFrame to_av(const Frame& frame);
+AvFrame to_av(const Picture& picture);
+
+// An odd last row or column is left out.
+Frame frame_from_av(const AVFrame& from);
+Picture picture_from_av(const AVFrame& from);
+
+}  // namespace zavri::tools

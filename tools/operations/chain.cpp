@@ -1,0 +1,129 @@
+#include "tools/operations/chain.h"
+
+#include <algorithm>
+#include <cctype>
+
+#include "tools/error.h"
+#include "tools/operations/chroma.h"
+#include "tools/operations/compose.h"
+#include "tools/operations/denoise.h"
+#include "tools/operations/resize.h"
+#include "tools/operations/rnr.h"
+
+namespace zavri::tools {
+namespace {
+
+template <class AnyOperation>
+std::unique_ptr<Operation> make() {
+  return std::make_unique<AnyOperation>();
+}
+
+struct Entry {
+  const char* name;
+  std::unique_ptr<Operation> (*make)();
+};
+constexpr Entry kOperations[] = {
+    {"denoise", make<Denoise>}, {"smooth", make<Smooth>}, {"chroma", make<Chroma>},
+    {"rnr", make<Rnr>},         {"resize", make<Resize>}, {"compose", make<Compose>},
+};
+
+// "rnr[:RADIUS,STRENGTH]".
+std::string usage_of(const Entry& entry) {
+  std::vector<std::string> names;
+  for (const Setting& setting : entry.make()->settings()) {
+    std::string name = setting.name;
+    std::transform(name.begin(), name.end(), name.begin(),
+                   [](unsigned char c) { return static_cast<char>(toupper(c)); });
+    names.push_back(name);
+  }
+  std::string usage = entry.name + std::string("[:");
+  for (const std::string& name : names) usage += name + (&name == &names.back() ? "]" : ",");
+  return usage;
+}
+
+// In a step settings have no dashes.
+Error error_of_step(const std::string& text, const Error& error) {
+  const std::string what = error.what();
+  return Error("--then " + text + ": " + what.substr(what.rfind("--", 0) == 0 ? 2 : 0),
+               error.status);
+}
+
+void set_values(Operation& operation, const std::vector<std::string>& values,
+                const std::string& usage) {
+  const Settings settings = operation.settings();
+  for (size_t i = 0; i < values.size(); ++i) {
+    const size_t equals = values[i].find('=');
+    if (equals == std::string::npos) {
+      if (i >= settings.size()) throw Error("too much for " + usage);
+      if (!values[i].empty()) settings[i].set(values[i]);
+      continue;
+    }
+    const std::string name = values[i].substr(0, equals);
+    const auto setting = std::find_if(settings.begin(), settings.end(),
+                                      [&](const Setting& s) { return s.name == name; });
+    if (setting == settings.end()) throw Error(name + ": no setting of " + usage);
+    setting->set(values[i].substr(equals + 1));
+  }
+}
+
+// Whether it makes one frame of several, as opposed to one of each.
+bool joins(const Operation& operation) { return operation.takes().most > 1; }
+
+}  // namespace
+
+Step parse_step(const std::string& text) {
+  const size_t colon = text.find(':');
+  const std::string name = text.substr(0, colon);
+  const auto* const entry = std::find_if(std::begin(kOperations), std::end(kOperations),
+                                         [&](const Entry& e) { return e.name == name; });
+  if (entry == std::end(kOperations)) {
+    throw Error("--then " + text + ": the steps are " + step_usages());
+  }
+  Step step{text, entry->make()};
+  if (colon == std::string::npos) return step;
+  try {
+    set_values(*step.operation, split(text.substr(colon + 1), ','), usage_of(*entry));
+  } catch (const Error& error) {
+    throw error_of_step(text, error);
+  }
+  return step;
+}
+
+std::string step_usages() {
+  std::vector<std::string> usages;
+  for (const Entry& entry : kOperations) usages.push_back(usage_of(entry));
+  return joined(usages);
+}
+
+int check_steps(const std::vector<Step>& steps, Size size, int frames) {
+  for (const Step& step : steps) {
+    try {
+      step.operation->check(size, joins(*step.operation) ? frames : 1);
+    } catch (const Error& error) {
+      throw error_of_step(step.text, error);
+    }
+    if (joins(*step.operation)) frames = 1;
+    size = step.operation->result_size(size);
+  }
+  return frames;
+}
+
+StepResult run_step(const Step& step, const Frames& frames) try {
+  StepResult made;
+  const auto run = [&](const Frames& taken) {
+    Result result = step.operation->run(taken);
+    made.frames.push_back(std::move(result.frame));
+    made.seconds += result.seconds;
+    made.remarks = result.remarks;
+  };
+  if (joins(*step.operation)) {
+    run(frames);
+  } else {
+    for (const Frame& frame : frames) run({frame});
+  }
+  return made;
+} catch (const Error& error) {
+  throw error_of_step(step.text, error);
+}
+
+}  // namespace zavri::tools

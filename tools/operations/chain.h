@@ -1,0 +1,37 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "tools/operations/operation.h"
+
+// The library's operations by their names, and one after the other.
+namespace zavri::tools {
+
+// An operation with the settings of its text, "NAME" or "NAME:VALUE,VALUE,setting=VALUE": values
+// without a name belong to the settings in the order of the operation's table.
+struct Step {
+  std::string text;
+  std::unique_ptr<Operation> operation;
+};
+
+// Throws an Error that begins with "--then" and the text.
+Step parse_step(const std::string& text);
+
+// What all steps are called and take, for people.
+std::string step_usages();
+
+// Throws unless every step can run on what the one before it leaves of so many frames of this size.
+// Returns how many frames are left at the end.
+int check_steps(const std::vector<Step>& steps, Size size, int frames);
+
+// What a step made of frames: one if it joins them, otherwise one of each.
+struct StepResult {
+  Frames frames;
+  double seconds = 0;  // in the library, of all frames
+  std::vector<std::string> remarks;
+};
+StepResult run_step(const Step& step, const Frames& frames);
+
+}  // namespace zavri::tools

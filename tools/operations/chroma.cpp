@@ -1,0 +1,193 @@
+#include "tools/operations/chroma.h"
+
+#include <zavricustpro.h>
+
+#include <algorithm>
+#include <cmath>
+#include <sstream>
+
+#include "tools/error.h"
+#include "tools/images/storage.h"
+
+namespace zavri::tools {
+namespace {
+
+constexpr int kCentreWeight = 64;
+constexpr size_t kLargestStride = 32767;
+
+struct Window {
+  int taps;
+  int least_width;  // of a frame, in pixels
+  int neighbours;   // at most
+  ThreadPoolTaskFunc strip;
+
+  int reach() const { return (taps - 1) / 2; }
+
+  // The last strip's borders need 2 * reach filtered rows, every second row of chroma. Some heights
+  // below safe_height() leave the strip as many, from there on all do.
+  bool is_high_enough(int height) const {
+    const int rows = height / 2;
+    return (rows - (kZavriStrips - 1) * (rows / kZavriStrips)) / 2 >= 2 * reach();
+  }
+  int safe_height() const { return 2 * (16 * reach() - 3); }
+};
+constexpr Window kWindows[] = {{7, 60, 10, zavri_mp_single_UV_denoise_new_inner_7},
+                               {11, 96, 15, zavri_mp_single_UV_denoise_new_inner_11},
+                               {15, 112, 15, zavri_mp_single_UV_denoise_new_inner_15},
+                               {19, 128, 18, zavri_mp_single_UV_denoise_new_inner_19}};
+constexpr Window kLegacyWindow = {11, 40, 10, zavri_mp_single_UV_denoise_inner_11};
+
+const Window& window_of(const Chroma& chroma) {
+  if (chroma.legacy) return kLegacyWindow;
+  return *std::find_if(std::begin(kWindows), std::end(kWindows),
+                       [&](const Window& window) { return window.taps == chroma.taps; });
+}
+
+// The numbers of a text file: the weights of the differences 0, 1, 2 ..
+std::vector<int> read_weights(const std::string& path) {
+  const Bytes bytes = read_file(path);
+  std::istringstream text(std::string(bytes.begin(), bytes.end()));
+  std::vector<int> weights;
+  for (std::string number; text >> number;) {
+    const std::optional<int64_t> weight = parse_whole(number, INT8_MIN, INT8_MAX);
+    if (!weight) throw Error(path + ": " + number + ": weights are whole numbers, -128..127");
+    weights.push_back(static_cast<int>(*weight));
+  }
+  if (weights.empty()) throw Error(path + ": there are no weights in it");
+  return weights;
+}
+
+// One for each difference below the threshold.
+std::vector<int> weights_of(const Chroma& chroma) {
+  std::vector<int> weights = chroma.weights;
+  if (weights.empty()) {
+    const double sigma = chroma.falloff > 0 ? chroma.falloff : chroma.threshold / 2.0;
+    for (int d = 0; d < chroma.threshold; ++d) {
+      weights.push_back(
+          static_cast<int>(std::lround(kCentreWeight * std::exp(-0.5 * d * d / (sigma * sigma)))));
+    }
+  }
+  weights.resize(static_cast<size_t>(chroma.threshold));
+  return weights;
+}
+
+void check_weights(const Chroma& chroma) {
+  if (chroma.weights.empty()) return;
+  if (static_cast<int>(chroma.weights.size()) < chroma.threshold) {
+    throw Error("--weights: " + std::to_string(chroma.weights.size()) +
+                " numbers, but --threshold " + std::to_string(chroma.threshold) + " takes as many");
+  }
+  const std::vector<int> used = weights_of(chroma);
+  const int least = *std::min_element(used.begin(), used.end());
+  const int neighbours = window_of(chroma).neighbours;
+  if (kCentreWeight + neighbours * least <= 0) {
+    throw Error("--weights: " + std::to_string(neighbours) + " neighbours of weight " +
+                std::to_string(least) + " would outweigh the centre, which has " +
+                std::to_string(kCentreWeight));
+  }
+}
+
+// Small planes are filtered with what lies above and below them, which in a fixed layout is what
+// the buffer has there. Elsewhere the first and the last row are repeated.
+void repeat_borders(Frame& frame, const Room& room) {
+  const size_t stride = frame.layout().stride;
+  const auto width = static_cast<size_t>(frame.width());
+  uint8_t* const first = frame.chroma_row(0);
+  uint8_t* const last = frame.chroma_row(frame.height() / 2 - 1);
+  uint8_t* const end = first + room.chroma;
+  for (size_t at = stride; at <= room.before_chroma; at += stride) {
+    std::copy_n(first, width, first - at);
+  }
+  for (uint8_t* row = last + stride; row < end; row += stride) std::copy_n(last, width, row);
+}
+
+void run_strips(const Window& window, const T_UVDenoiseParam& param, bool parallel) {
+  uint32_t numbers[kZavriStrips];
+  T_ThreadPoolTaskInput inputs[kZavriStrips];
+  for (uint32_t k = 0; k < kZavriStrips; ++k) {
+    numbers[k] = k;
+    inputs[k] = {&numbers[k], nullptr, &param};
+    if (!parallel) window.strip(&numbers[k], &param, nullptr);
+  }
+  if (!parallel) return;
+  ThreadPoolWorker worker(g_threadpool, kZavriStrips, window.strip, inputs);
+  worker.Work();
+}
+
+}  // namespace
+
+Settings Chroma::settings() {
+  const auto read = [this](const std::string& path) {
+    weights = read_weights(path);
+    weights_file_ = path;
+    return true;
+  };
+  return {
+      choice<int>("taps", taps, {{"7", 7}, {"11", 11}, {"15", 15}, {"19", 19}},
+                  "samples of the window"),
+      whole_number("threshold", threshold, 1, 127, "differences below this one count"),
+      or_auto(real_number("falloff", falloff, 0.1, 1000,
+                          "sigma of weights that fall as a Gaussian; auto is half the threshold"),
+              falloff),
+      {"weights", "FILE", "with the weights of the differences 0, 1, 2 ..", read,
+       [this] { return weights_file_; }},
+      flag("legacy", legacy, "the older filter with its fixed tolerance"),
+      flag("parallel", parallel, "all strips at once, on the library's pool")};
+}
+
+void Chroma::check(const Size& size, int frames) const {
+  check_count(frames);
+  if (legacy && (taps != kLegacyWindow.taps || threshold != kDefaultThreshold || falloff > 0 ||
+                 !weights.empty())) {
+    throw Error(
+        "--legacy: has 11 taps and a tolerance of its own, and goes without --taps, "
+        "--threshold, --falloff and --weights");
+  }
+  if (falloff > 0 && !weights.empty()) throw Error("--falloff: goes without --weights");
+  check_weights(*this);
+  const Window& window = window_of(*this);
+  if (size.width >= window.least_width && window.is_high_enough(size.height)) return;
+  throw Error("--taps " + std::to_string(window.taps) + ": " + size.text() +
+              " is too small, they take " + Size{window.least_width, window.safe_height()}.text());
+}
+
+Result Chroma::run(const Frames& frames, int runs) const {
+  const Frame& frame = frames.front();
+  check(size_of(frame), static_cast<int>(frames.size()));
+  const Window& window = window_of(*this);
+  T_UVDenoiseParam param{};
+  param.width = static_cast<uint32_t>(frame.width());
+  param.height = static_cast<uint32_t>(frame.height() / 2);
+  param.stride = static_cast<uint32_t>(frame.layout().stride);
+  param.kernel_size = static_cast<int8_t>(window.taps);
+  param.threshold = static_cast<int8_t>(threshold);
+  const std::vector<int> used = weights_of(*this);
+  std::copy(used.begin(), used.end(), param.weight_table);
+  if (frame.layout().stride > kLargestStride) {
+    throw Error("--stride " + std::to_string(param.stride) + ": chroma is denoised with at most " +
+                std::to_string(kLargestStride));
+  }
+  if (parallel) start_pool();
+
+  Result result;
+  result.frame = frame;
+  const Room room{0, zavri_room_uv_denoise_before(&param), zavri_room_uv_denoise(&param)};
+  Frame copy = roomy(frame, room);
+  param.uv_plane = copy.chroma_row(0);
+  const auto prepare = [&] {
+    copy_picture(frame, copy);
+    if (!copy.layout().fixed) repeat_borders(copy, room);
+  };
+  result.seconds = median_seconds(runs, prepare, [&] { run_strips(window, param, parallel); });
+  copy_picture(copy, result.frame);
+  if (parallel) result.remarks.push_back("--parallel: the rows where strips meet depend on timing");
+  const bool leaves_plane =
+      room.before_chroma > 0 || room.chroma > param.stride * size_t{param.height};
+  if (leaves_plane && frame.layout().fixed) {
+    result.remarks.push_back("the windows are higher than the strips, so that the result depends " +
+                             std::string("on what lies in front of and behind the chroma plane"));
+  }
+  return result;
+}
+
+}  // namespace zavri::tools

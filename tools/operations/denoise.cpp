@@ -1,0 +1,133 @@
+#include "tools/operations/denoise.h"
+
+#include <zavricustpro.h>
+
+#include "tools/error.h"
+
+namespace zavri::tools {
+namespace {
+
+constexpr int kEdgeGainEnd = 16;
+
+T_3DYuvDenoiseParam record_of(const Denoise& denoise, const Frame& reference, size_t frames) {
+  T_3DYuvDenoiseParam param{};
+  param.ref_index = static_cast<uint8_t>(denoise.reference);
+  param.frame_num = static_cast<uint8_t>(frames);
+  param.switch_a = denoise.merge == Merge::kWhole;
+  param.switch_b = denoise.merge == Merge::kEdges;
+  param.switch_c = denoise.merge == Merge::kEdgesLuma;
+  param.switch_d = denoise.smooth;
+  param.thresh_tune = 1;
+  param.gain = static_cast<uint8_t>(denoise.gain);
+  param.width = static_cast<uint32_t>(reference.width());
+  param.height = static_cast<uint32_t>(reference.height());
+  param.y_stride = param.uv_stride = static_cast<uint32_t>(reference.layout().stride);
+  param.thresh = static_cast<uint8_t>(denoise.thresh);
+  param.threshY = static_cast<uint8_t>(denoise.thresh_luma);
+  return param;
+}
+
+// Whether these thresholds leave the library nothing to do.
+bool is_idle(Merge merge, const T_3DYuvDenoiseParam& used) {
+  if (used.thresh < 2 && used.threshY < 2) return true;
+  if (used.frame_num == 1) return false;
+  switch (merge) {
+    case Merge::kWhole:
+      return used.thresh == 0;
+    case Merge::kEdges:
+    case Merge::kEdgesLuma:
+      return used.threshY < 2;
+    case Merge::kChroma:
+      return used.thresh < 2;
+  }
+  return true;
+}
+
+// Where the library does less than the settings ask for, or something else.
+std::vector<std::string> remarks_on(const Denoise& denoise, const T_3DYuvDenoiseParam& used,
+                                    double megapixels) {
+  std::vector<std::string> lines;
+  Merge merge = denoise.merge;
+  const bool needs_low_gain = merge == Merge::kEdges || merge == Merge::kEdgesLuma;
+  if (needs_low_gain && denoise.gain >= kEdgeGainEnd) {
+    merge = Merge::kChroma;
+    if (used.frame_num > 1) {
+      lines.push_back("--gain " + std::to_string(denoise.gain) + ": edges need a gain below " +
+                      std::to_string(kEdgeGainEnd) + "; the chroma of the whole frame was merged");
+    }
+  }
+  if (is_idle(merge, used)) {
+    const char* const what = used.frame_num == 1 ? "smoothed" : "merged";
+    const char* const why = megapixels < 2 ? "below 2 megapixels the library scales thresholds to 0"
+                                           : "a higher threshold or gain is needed";
+    return {"thresholds " + std::to_string(used.thresh) + " and " + std::to_string(used.threshY) +
+            ": nothing was " + what + "; " + why};
+  }
+  const size_t luma = zavri_room_denoise_luma(&used);
+  if (used.frame_num > 1 && merge != Merge::kChroma && luma > used.uv_offset) {
+    lines.push_back("the last strip merges luma in " + std::to_string(luma - used.uv_offset) +
+                    " bytes of the chroma plane too: what they become depends on timing, and " +
+                    "padding between the planes would keep them apart");
+  }
+  return lines;
+}
+
+}  // namespace
+
+Settings Denoise::settings() {
+  return {or_auto(whole_number("thresh", thresh, 1, 100, "of chroma, scaled by the frame's size"),
+                  thresh),
+          or_auto(whole_number("thresh-luma", thresh_luma, 1, 100, "of luma, scaled likewise"),
+                  thresh_luma),
+          choice<Merge>("mode", merge,
+                        {{"whole", Merge::kWhole},
+                         {"edges", Merge::kEdges},
+                         {"edges-luma", Merge::kEdgesLuma},
+                         {"chroma", Merge::kChroma}},
+                        "what is merged, the edges only for a gain below 16"),
+          whole_number("gain", gain, 0, 255, "sensor gain of the record"),
+          whole_number("ref", reference, 0, 3, "index of the frame that is denoised"),
+          flag("smooth", smooth, "smooth the chroma afterwards")};
+}
+
+Settings Smooth::settings() { return {Denoise::settings().front()}; }
+
+void Denoise::check(const Size&, int frames) const {
+  check_count(frames);
+  if (reference >= frames) {
+    throw Error("--ref " + std::to_string(reference) + ": below the number of frames, " +
+                std::to_string(frames));
+  }
+  if (frames == 1 && !smooth) {
+    throw Error("--smooth: is needed for a single frame, which has nothing to be merged with");
+  }
+}
+
+Result Denoise::run(const Frames& frames, int runs) const {
+  check(size_of(frames.front()), static_cast<int>(frames.size()));
+  expect_one_size(frames);
+  const auto worked = static_cast<size_t>(reference);
+  Result result;
+  result.frame = frames[worked];
+  const T_3DYuvDenoiseParam asked = record_of(*this, result.frame, frames.size());
+  const Room room{zavri_room_denoise_luma(&asked), 0, zavri_room_denoise_chroma(&asked)};
+  Frames copies(frames.size(), roomy(result.frame, room));
+  for (size_t k = 0; k < frames.size(); ++k) copy_picture(frames[k], copies[k]);
+
+  T_3DYuvDenoiseParam param{};
+  const auto prepare = [&] {
+    copy_picture(result.frame, copies[worked]);
+    // The entry writes the thresholds that it used into the record, so that each run has its own.
+    param = asked;
+    param.uv_offset = static_cast<uint32_t>(copies[worked].layout().chroma_at);
+    for (size_t k = 0; k < copies.size(); ++k) param.frame_y[k] = copies[k].buffer().data();
+  };
+  result.seconds =
+      median_seconds(runs, prepare, [&] { expect_accepted(zavri_mp_3D_YUV_denoise(&param)); });
+  copy_picture(copies[worked], result.frame);
+  result.figures = {{"thresh", param.thresh}, {"thresh_luma", param.threshY}};
+  result.remarks = remarks_on(*this, param, result.frame.megapixels());
+  return result;
+}
+
+}  // namespace zavri::tools

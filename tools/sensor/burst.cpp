@@ -1,0 +1,48 @@
+#include "tools/sensor/burst.h"
+
+#include <algorithm>
+
+namespace zavri::tools {
+namespace {
+
+// The middle of the photograph, with an even width and a height that is a multiple of 8. The
+// library works on four strips of height / 8 pairs of rows, the last of which takes what is left:
+// of 12 rows it is 6 high and the others are 2. Where 8 divides the height, all strips are alike
+// and end where the planes end.
+Picture middle_of(const Picture& photograph) {
+  const bool is_low = photograph.height < 8;
+  Picture middle(photograph.width & ~1, photograph.height & (is_low ? ~1 : ~7));
+  const auto left = static_cast<size_t>(photograph.width - middle.width) / 2;
+  const auto top = static_cast<size_t>(photograph.height - middle.height) / 2;
+  const size_t row_bytes = 3 * static_cast<size_t>(middle.width);
+  for (size_t y = 0; y < static_cast<size_t>(middle.height); ++y) {
+    const size_t at = (top + y) * static_cast<size_t>(photograph.width) + left;
+    std::copy_n(&photograph.rgb[3 * at], row_bytes, &middle.rgb[y * row_bytes]);
+  }
+  return middle;
+}
+
+}  // namespace
+
+BurstFrames make_burst(const Picture& photograph, const Sensor& sensor, uint64_t seed, int frames) {
+  const Picture scene = middle_of(photograph);
+  BurstFrames burst;
+  burst.clean = to_frame(scene);
+  const SensorNoise noise(sensor);
+  for (int k = 0; k < frames; ++k) burst.noisy.push_back(capture(scene, noise, seed, k));
+  return burst;
+}
+
+std::vector<NamedFrame> name_frames(const BurstFrames& burst, const std::string& folder,
+                                    const std::string& pixel) {
+  const std::string end = '_' + burst.clean.size() + '.' + pixel;
+  std::vector<NamedFrame> named{{folder + "/clean" + end, &burst.clean}};
+  for (size_t k = 0; k < burst.noisy.size(); ++k) {
+    std::string path = folder + "/frame";
+    path += std::to_string(k) + end;
+    named.push_back({path, &burst.noisy[k]});
+  }
+  return named;
+}
+
+}  // namespace zavri::tools
