@@ -140,7 +140,7 @@ ZAVRI_INLINE size_t smooth_run(uint8_t* plane, size_t first, size_t end) {
 void smooth_sequence(uint8_t* plane, size_t bytes) {
   const size_t end = (bytes + 1) & ~size_t{1};
   size_t at = 0;
-  if (kVectorized && end <= kLongestSequence) {
+  if (kVectorized && bytes <= kLongestSequence) {
     while (at + kVectorBytes <= end) at = smooth_run(plane, at, end);
   }
   smooth_line(plane + at, kPair, (end - at) / kPair);
