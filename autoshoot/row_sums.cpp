@@ -36,7 +36,7 @@ uint32_t sum_plain(const uint8_t* row, size_t width, Reference reference) {
   return sum;
 }
 
-// A load from bytes + n has its last n bytes set.
+// A vector loaded from bytes + n has its last n bytes set.
 constexpr struct SuffixMask {
   uint8_t bytes[2 * kVectorBytes];
   constexpr SuffixMask() : bytes{} {

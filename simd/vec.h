@@ -70,7 +70,7 @@
 
 #include "simd/builds.h"
 
-// The plain build compiles vector forms, too, but calls none of them.
+// The plain build gives no length.
 #ifndef ZAVRI_VECTOR_BYTES
 #define ZAVRI_VECTOR_BYTES 16
 #endif
