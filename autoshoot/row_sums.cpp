@@ -36,7 +36,7 @@ uint32_t sum_plain(const uint8_t* row, size_t width, Reference reference) {
   return sum;
 }
 
-// A load from bytes + n has its last n bytes set.
+// A vector loaded from bytes + n has its last n bytes set.
 constexpr struct SuffixMask {
   uint8_t bytes[2 * kVectorBytes];
   constexpr SuffixMask() : bytes{} {
@@ -53,9 +53,10 @@ uint32_t sum_vectors(const uint8_t* row, size_t width, Reference reference) {
   ByteSums sums;
   ByteSums more_sums;
   size_t i = 0;
-  while (i + kStep <= width) {
-    const size_t steps = std::min((width - i) / kStep, ByteSums::kMostAdds);
-    for (const size_t end = i + steps * kStep; i < end; i += kStep) {
+  for (size_t steps = width / kStep; steps > 0;) {
+    const size_t adds = std::min(steps, ByteSums::kMostAdds);
+    steps -= adds;
+    for (const size_t end = i + adds * kStep; i < end; i += kStep) {
       const size_t next = i + kVectorBytes;
       sums.add_abs_diff(load(row + i), reference.vector_at(i));
       more_sums.add_abs_diff(load(row + next), reference.vector_at(next));
@@ -77,8 +78,8 @@ uint32_t sum_vectors(const uint8_t* row, size_t width, Reference reference) {
 
 template <class Reference>
 uint32_t sum_row(const uint8_t* row, size_t width, Reference reference) {
-  if (kVectorized && width >= kVectorBytes) return sum_vectors(row, width, reference);
-  return sum_plain(row, width, reference);
+  if (!kVectorized || width < kVectorBytes) return sum_plain(row, width, reference);
+  return sum_vectors(row, width, reference);
 }
 
 uint32_t samples(const uint8_t* row, size_t width) { return sum_row(row, width, Zero{}); }

@@ -9,7 +9,7 @@ function(zavri_add_kernels objects prefix)
   zavri_add_objects(${objects} ${prefix}_plain ${ARGN})
   target_compile_options(${prefix}_plain PRIVATE -O2 -DZAVRI_BUILD_PLAIN)
   zavri_add_objects(${objects} ${prefix}_vector16 ${ARGN})
-  # -O3: the fixed loops over lanes must be unrolled.
+  # GCC unrolls the fixed loops over lanes at -O3 only.
   target_compile_options(${prefix}_vector16 PRIVATE -O3 -DZAVRI_VECTOR_BYTES=16)
   if(CMAKE_SYSTEM_PROCESSOR MATCHES "x86_64" AND NOT ZAVRI_GENERIC_VECTORS)
     target_compile_options(${prefix}_vector16 PRIVATE -march=x86-64-v2)

@@ -1,4 +1,4 @@
-# The shared object that a camera HAL loads.
+# Builds the shared object that a camera HAL loads.
 
 set(kernel_sources
   autoshoot/row_sums.cpp

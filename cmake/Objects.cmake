@@ -1,7 +1,7 @@
 # How the object files of a shared object are compiled and how they are linked. Tests and benchmarks
 # link the object files themselves: there they reach every function, and may replace one.
 
-# Unwind tables: pthread_exit unwinds the frames of a pool thread.
+# pthread_exit unwinds the frames of a pool thread, hence the unwind tables.
 set(library_options -fvisibility=hidden -fvisibility-inlines-hidden -fno-exceptions -fno-rtti
                     -funwind-tables)
 
@@ -14,7 +14,7 @@ function(zavri_add_library_objects objects)
   endif()
 endfunction()
 
-# Compiles the sources that follow `name` as a library's.
+# Compiles the sources that follow `name` with the options of a library.
 function(zavri_compile name)
   add_library(${name} OBJECT ${ARGN})
   target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR})
@@ -24,7 +24,7 @@ function(zavri_compile name)
   endif()
 endfunction()
 
-# The same, for the library of `objects`.
+# Compiles the sources that follow `name` for the library of `objects`.
 function(zavri_add_objects objects name)
   zavri_compile(${name} ${ARGN})
   target_sources(${objects} INTERFACE $<TARGET_OBJECTS:${name}>)
@@ -42,8 +42,8 @@ function(zavri_set_link_options library map)
   endif()
 endfunction()
 
-# Lets `program` define __wrap_<symbol>, which is called instead of each symbol that follows. A symbol
-# that no longer exists, because the function changed its name or parameters, stops the link: the
+# Lets `program` define __wrap_<symbol>, which is called instead of each symbol that follows. A
+# symbol that no longer exists, because its function changed name or parameters, stops the link: the
 # linker itself would go on and wrap nothing.
 function(zavri_wrap program)
   foreach(symbol ${ARGN})

@@ -1,4 +1,4 @@
-# Libraries that tests and benchmarks compare ours with, where they are installed: targets
+# Tests and benchmarks compare the library with others, where those are installed. Their targets are
 # zavri_libyuv and zavri_opencv.
 if(CMAKE_CROSSCOMPILING)
   return()

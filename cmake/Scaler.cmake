@@ -1,5 +1,5 @@
-# The portable scaler and Gaussian, under the name of the vendor's library. They take its place off the
-# phone; an Android build links against them and is installed without them.
+# Builds the portable scaler and Gaussian under the name of the vendor's library. Off the phone they
+# take its place; an Android build links against them and is installed without them.
 zavri_add_library_objects(zavri_portable_scaler)
 zavri_add_objects(zavri_portable_scaler zavri_scaler_operations
   platform/host/gaussian.cpp

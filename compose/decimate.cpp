@@ -6,7 +6,7 @@
 namespace zavri {
 namespace {
 
-// The rule, for samples of kSize bytes.
+// Applies the rule to samples of kSize bytes.
 template <size_t kSize>
 void decimate_plain(uint8_t* to, const uint8_t* from, size_t bytes) {
   for (size_t b = 0; b < bytes; b += kSize) {

@@ -13,7 +13,7 @@ bool close_to(const uint8_t* pair, int u, int v) {
   return std::abs(pair[0] - u) < kRunTolerance && std::abs(pair[1] - v) < kRunTolerance;
 }
 
-// Sets the pairs that are close to the anchor.
+// Returns a mask of the pairs that are close to the anchor.
 ZAVRI_INLINE U8 close_to(U8 pairs, U8 anchor) {
   return (U8)((U16)saturating_sub(abs_diff(pairs, anchor), splat<U8>(kRunTolerance - 1)) == 0);
 }
@@ -64,7 +64,7 @@ uint8_t quick_mean(uint64_t sum, size_t count) {
   return static_cast<uint8_t>((sum + count / 2) * kReciprocals.of[count] >> 32);
 }
 
-// A load from bytes + kVectorBytes - n has its first n bytes set.
+// A vector loaded from bytes + kVectorBytes - n has its first n bytes set.
 constexpr struct PrefixMask {
   uint8_t bytes[2 * kVectorBytes];
   constexpr PrefixMask() : bytes{} {
@@ -140,15 +140,16 @@ ZAVRI_INLINE size_t smooth_run(uint8_t* plane, size_t first, size_t end) {
 void smooth_sequence(uint8_t* plane, size_t bytes) {
   const size_t end = (bytes + 1) & ~size_t{1};
   size_t at = 0;
-  if (kVectorized && end <= kLongestSequence) {
+  if (kVectorized && bytes <= kLongestSequence) {
     while (at + kVectorBytes <= end) at = smooth_run(plane, at, end);
   }
   smooth_line(plane + at, kPair, (end - at) / kPair);
 }
 
-// The runs that lead down the columns of one vector. The sums wrap, but by how much one exceeds
-// anchor * count stays right, because it is small: each pair adds less than kRunTolerance to it or
-// takes as little from it, which with the rounding term fits 16 bits for kTallestColumn rows.
+// Holds the runs that lead down the columns of one vector. The sums wrap, but by how much one
+// exceeds anchor * count stays right, because it is small: each pair adds less than kRunTolerance
+// to it or takes as little from it, which with the rounding term fits 16 bits for kTallestColumn
+// rows.
 struct ColumnRuns {
   U8 anchor;
   U16 sum_u;

@@ -14,16 +14,16 @@ constexpr bool uses_ramp(MergeKind kind) {
 constexpr bool writes_chroma(MergeKind kind) { return kind != MergeKind::kEdgesLuma; }
 constexpr bool writes_luma(MergeKind kind) { return kind != MergeKind::kChroma; }
 
-// The mean of `count` values with the sum `sum`. Three values count the reference twice and round
-// otherwise than four do: tuned devices rely on both.
+// Returns the mean of `count` values with the sum `sum`. Three values count the reference twice and
+// round otherwise than four do: tuned devices rely on both.
 uint8_t mean(int sum, int reference, int count) {
   if (count == 2) return static_cast<uint8_t>((sum + 1) >> 1);
   if (count == 3) return static_cast<uint8_t>((sum + reference + 2) >> 2);
   return static_cast<uint8_t>((sum + 1) >> 2);
 }
 
-// The same mean of r, the reference, and those of other[0, kOthers) whose mask is set. It never
-// leaves the bytes, because it averages two values at a time:
+// Returns the mean of r, the reference, and those of other[0, kOthers) whose mask is set. No step
+// of it leaves the bytes, because each averages two values:
 //   two     (r + a + 1) >> 1        = avg_round_up(r, a)
 //   three   (2r + a + b + 2) >> 2   = avg_round_up(avg_round_down(a, b), r): with a + b = 2f + e
 //                                     the sum is 2(r + f + 1) + e, and an even number stays in its
@@ -61,12 +61,12 @@ ZAVRI_INLINE U8 mean(U8 r, const U8* other, const U8* agrees) {
 
 bool within(int value, int reference, int limit) { return std::abs(value - reference) <= limit; }
 
-// Sets both bytes of the pairs of which both bytes are within the limits of the reference.
+// Returns a mask of the pairs of which both bytes are within the limits of the reference.
 ZAVRI_INLINE U8 pairs_within(U8 pairs, U8 reference, U8 limits) {
   return (U8)((U16)saturating_sub(abs_diff(pairs, reference), limits) == 0);
 }
 
-// The rule, for the position at offset b.
+// Applies the rule to the position at offset b.
 template <MergeKind kKind, int kOthers>
 void merge_position(const MergeRow& row, size_t b, const MergeLimits& limits) {
   const int limit = uses_ramp(kKind) ? limits.ramp[b] : limits.chroma;
@@ -100,8 +100,8 @@ void merge_position(const MergeRow& row, size_t b, const MergeLimits& limits) {
   }
 }
 
-// The positions of one vector. A row is read before it is written; bytes that stay as they are are
-// written back.
+// Merges the positions of one vector. A row is read before it is written, and bytes that stay as
+// they are are written back.
 template <MergeKind kKind, int kOthers>
 ZAVRI_INLINE void merge_vector(const MergeRow& row, size_t b, U8 chroma_limits, U8 luma_limits) {
   const U8 uv = load(row.uv + b);
@@ -146,8 +146,8 @@ ZAVRI_INLINE size_t merge_vectors(const MergeRow& row, size_t bytes, const Merge
   return b;
 }
 
-// Whether no position writes what another one reads, so that the order of positions does not show.
-// One does where drifting edge sections led rows into one another, and where luma rows reach into
+// Tells whether no position writes what another one reads, so that their order does not show. One
+// does where drifting edge sections led rows into one another, and where luma rows reach into
 // the chroma plane.
 template <MergeKind kKind, int kOthers>
 bool positions_are_independent(const MergeRow& row, size_t bytes) {

@@ -7,9 +7,9 @@
 
 namespace zavri {
 
-// Row kernel of the multi-frame denoise: merges the co-sited samples of the other frames that agree
-// with the reference frame into it. One position is a chroma pair and its 2x2 luma block, whose
-// left column lies at the same byte offset of its rows as U lies of the chroma row:
+// The row kernel of the multi-frame denoise merges the co-sited samples of the other frames that
+// agree with the reference frame into it. One position is a chroma pair and its 2x2 luma block,
+// whose left column lies at the same byte offset of its rows as U lies of the chroma row:
 //
 //   offset b, b+1     uv: U V     other_uv[k]: U V      other_y[k]: only the byte at b is read
 //                     y0: . .
@@ -22,12 +22,14 @@ struct MergeRow {
   const uint8_t* other_y[3];
 };
 
-// Largest differences that are still accepted; a threshold t accepts up to t - 1.
+// These are the largest differences that are still accepted; a threshold t accepts up to t - 1. A
+// frame agrees if its U and its V are within `chroma` of the reference's, and merged luma is
+// written if it is within `luma`. The kinds kEdges and kEdgesLuma take both limits of a position
+// from the ramp instead, which has it in both bytes of the position.
 struct MergeLimits {
-  uint8_t chroma;       // of U and of V, for a frame to agree
-  uint8_t luma;         // between the merged luma and the reference
-  const uint8_t* ramp;  // of kinds kEdges and kEdgesLuma for both, instead: one limit for each
-                        // position, in both of its bytes
+  uint8_t chroma;
+  uint8_t luma;
+  const uint8_t* ramp;
 };
 
 enum class MergeKind {

@@ -7,7 +7,7 @@
 
 namespace zavri {
 
-// Kernels that take interleaved chroma apart and put it together again. Their result is that of a
+// These kernels take interleaved chroma apart and put it together again. Their result is that of a
 // loop over i in [0, pairs), also where the arguments overlap.
 struct ChannelKernels {
   // a[i] = uv[2i], b[i] = uv[2i + 1]

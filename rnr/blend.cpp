@@ -14,7 +14,7 @@ void blend_plain(uint8_t* to, const uint8_t* sharp, const uint8_t* blurred, cons
   }
 }
 
-// The same for a vector. What a weight above 128 makes of the mean is not used.
+// Blends a vector. What a weight above 128 makes of the mean is not used.
 ZAVRI_INLINE U8 blend_vector(U8 sharp, U8 blurred, U8 weight) {
   const U8 partly = (U8)(saturating_sub(weight, splat<U8>(kBlurAlone - 1)) == 0);
   return select(partly, weighted_mean(sharp, blurred, weight), blurred);

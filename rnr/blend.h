@@ -7,8 +7,8 @@
 
 namespace zavri {
 
-// From this weight on the blurred value stands alone: on purpose below 128, from where the formula
-// gives it anyway.
+// From this weight on the blurred value stands alone, on purpose: at 128 the formula gives it
+// anyway.
 inline constexpr uint8_t kBlurAlone = 121;
 
 // For i in [0, count), to[i] becomes blurred[i] where weight[i] reaches kBlurAlone, and elsewhere

@@ -11,7 +11,7 @@ uint32_t square(int32_t value) {
   return static_cast<uint32_t>(value) * static_cast<uint32_t>(value);
 }
 
-// The rule, for one pixel.
+// Applies the rule to one pixel.
 uint8_t weight(int32_t distance, const WeightRule& rule) {
   if (distance >= rule.span || rule.span == 0) return rule.full;
   const auto product = static_cast<int32_t>(rule.full * static_cast<uint32_t>(distance));
@@ -19,10 +19,10 @@ uint8_t weight(int32_t distance, const WeightRule& rule) {
   return static_cast<uint8_t>(int64_t{product} / rule.span);
 }
 
-// full * D / span for D in [0, span], without a division: D times the span's reciprocal in units of
-// 1 / 2^24. The product is at most full * 2^24. The reciprocal is less than a unit too small, which
-// for D is worth at most D / 2^24 <= 1: the estimate is the quotient or 1 less, and the remainder
-// tells which.
+// Computes full * D / span for D in [0, span] without a division, as D times the span's reciprocal
+// in units of 1 / 2^24. The product is at most full * 2^24. The reciprocal is less than a unit too
+// small, which for D is worth at most D / 2^24 <= 1: the estimate is the quotient or 1 less, and
+// the remainder tells which.
 struct Quotient {
   explicit Quotient(const WeightRule& rule)
       : full(rule.full), span(static_cast<uint32_t>(rule.span)), factor((full << kBits) / span) {}
@@ -51,8 +51,8 @@ void weigh_plain(uint8_t* blur, uint8_t* keep, size_t count, int32_t dx, int32_t
   }
 }
 
-// D of the pixels of a vector of bytes. Lane j of part p is pixel 4 * j + p: the parts shifted left
-// by 8 * p bits, joined, are the bytes in their order.
+// Holds D for the pixels of a vector of bytes. Lane j of part p is pixel 4 * j + p: the parts
+// shifted left by 8 * p bits, joined, are the bytes in their order.
 struct Distances {
   Distances(int32_t dx, uint32_t rest) {
     U32 lane{};
@@ -85,7 +85,7 @@ ZAVRI_INLINE U8 weights(const Distances& distances, const Quotient& quotient) {
   return (U8)bytes;
 }
 
-// The weights of a row of at least one vector. The last vector repeats some of the one before it.
+// Weighs a row of at least one vector. The last vector repeats some of the one before it.
 void weigh_vectors(uint8_t* blur, uint8_t* keep, size_t count, int32_t dx, int32_t dy,
                    const WeightRule& rule) {
   const Quotient quotient(rule);
@@ -103,8 +103,8 @@ void weigh_vectors(uint8_t* blur, uint8_t* keep, size_t count, int32_t dx, int32
   }
 }
 
-// Whether nothing wraps or is negative on the way to the weights of a row: D of every pixel is in
-// [0, 2^31), full * D is where it is divided, and the span is one that Quotient divides by.
+// Tells whether nothing wraps or is negative on the way to the weights of a row: D of every pixel
+// is in [0, 2^31), full * D is where it is divided, and the span is one that Quotient divides by.
 bool nothing_wraps(size_t count, int32_t dx, int32_t dy, const WeightRule& rule) {
   const int64_t first = dx;
   const int64_t last = first + static_cast<int64_t>(count) - 1;

@@ -1,7 +1,8 @@
 #pragma once
 
 // The row kernels' sources are compiled once per build: as the plain rule alone, which defines
-// every result, and once per vector length. All builds give the same bytes.
+// every result, and once per vector length. All builds give the same bytes. The plain build
+// compiles the vector forms, too, but calls none of them, so that sources need no #ifdef.
 //
 // A kernel family is a struct of function pointers. Its header declares one overload per build,
 //
@@ -31,7 +32,7 @@ constexpr const char* build_name(Build build) {
 
 bool runs_here(Build build);
 
-// The widest build that this processor runs.
+// Returns the widest build that this processor runs.
 Build best_build();
 
 // Calls `overloads` with the tag of `build`.

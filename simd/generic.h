@@ -70,6 +70,8 @@ ZAVRI_INLINE void split_cells(const U8* vectors, U8* even, U8* odd) {
   }
 }
 
+ZAVRI_INLINE Wide widen(U8 v) { return zavri::widen(v, U8{}); }
+
 template <size_t... kLane>
 ZAVRI_INLINE U8 narrow(Wide wide, std::index_sequence<kLane...>) {
   constexpr size_t kHalf = kBlockBytes / 2;
@@ -188,7 +190,7 @@ ZAVRI_INLINE Wide add_products(Wide sums, U8 w1, S8 d1, U8 w2, S8 d2) {
 }
 
 ZAVRI_INLINE Wide add_weights(Wide sums, U8 a, U8 b) {
-  const Wide both = widen(a + b, U8{});
+  const Wide both = widen(a + b);
   return {sums.lower + both.lower, sums.upper + both.upper};
 }
 

@@ -37,6 +37,11 @@ ZAVRI_INLINE void split_cells(const U8* vectors, U8* even, U8* odd) {
   *odd = (U8)bytes.val[1];
 }
 
+ZAVRI_INLINE Wide widen(U8 v) {
+  const auto bytes = (uint8x16_t)v;
+  return {(U16)vmovl_u8(vget_low_u8(bytes)), (U16)vmovl_u8(vget_high_u8(bytes))};
+}
+
 ZAVRI_INLINE U8 narrow(U16 a, U16 b) {
   return (U8)vcombine_u8(vmovn_u16((uint16x8_t)a), vmovn_u16((uint16x8_t)b));
 }

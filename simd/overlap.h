@@ -12,9 +12,9 @@ struct Range {
   size_t count;
 };
 
-// Whether two ranges share a byte: the one that begins later begins inside the other. An empty one
-// counts as sharing the byte at its place. Only differences of addresses are taken, because a sum
-// of address and count may wrap.
+// Tells whether two ranges share a byte: the one that begins later begins inside the other. An
+// empty one counts as sharing the byte at its place. Only differences of addresses are taken,
+// because a sum of address and count may wrap.
 inline bool overlap(const Range& a, const Range& b) {
   const auto a_first = reinterpret_cast<uintptr_t>(a.first);
   const auto b_first = reinterpret_cast<uintptr_t>(b.first);
@@ -23,7 +23,7 @@ inline bool overlap(const Range& a, const Range& b) {
   return distance < (a_begins_first ? a.count : b.count);
 }
 
-// What a row kernel reads in one place and writes in another.
+// A row kernel reads one range and writes another.
 struct Access {
   Range read;
   Range written;

@@ -26,6 +26,7 @@
 //   split_cells(U8* v, even, odd)   bytes 0, 4, .. and bytes 1, 5, .. of the blocks 0 of v[0],
 //   v[1],
 //                                   v[2], v[3] make the blocks 0 of even and of odd; 1 likewise
+//   widen(U8 v)                     the bytes as a Wide
 //   widen(U8 low, U8 high)          low + 256 * high as a Wide
 //   narrow(Wide)                    the lanes, 0 .. 255, as U8
 //   narrow_signed(Wide)             the lanes, -128 .. 127, as S8
@@ -69,7 +70,7 @@
 
 #include "simd/builds.h"
 
-// The plain build compiles vector forms, too, but calls none of them.
+// The plain build gives no length.
 #ifndef ZAVRI_VECTOR_BYTES
 #define ZAVRI_VECTOR_BYTES 16
 #endif

@@ -22,6 +22,7 @@ using generic::small_quotient;
 using generic::splat_first_pair;
 using generic::store_interleaved;
 using generic::weighted_mean;
+using generic::widen;
 
 ZAVRI_INLINE U8 load_blocks(const uint8_t* from, [[maybe_unused]] ptrdiff_t distance) {
 #if ZAVRI_VECTOR_BYTES == 32
@@ -176,19 +177,19 @@ class ByteSums {
 class PairSums {
  public:
   ZAVRI_INLINE void add(U8 v) {
-    all_ += sum_bytes(v);
-    odd_ += sum_bytes((U8)((U16)v >> 8));
+    all_ += (U32)sum_bytes(v);
+    odd_ += (U32)sum_bytes((U8)((U16)v >> 8));
   }
 
-  // Both totals, below 2^32, go through one sum of lanes.
+  // Both totals, below 2^32, go through one sum of lanes. Only every other lane is not 0.
   ZAVRI_INLINE PairTotals totals() const {
-    const uint64_t both = sum_lanes(all_ - odd_ + (odd_ << 32));
+    const uint64_t both = sum_lanes((U64)(all_ - odd_) + ((U64)odd_ << 32));
     return {static_cast<uint32_t>(both), static_cast<uint32_t>(both >> 32)};
   }
 
  private:
-  U64 all_{};
-  U64 odd_{};
+  U32 all_{};
+  U32 odd_{};
 };
 
 ZAVRI_INLINE uint32_t clear_bytes(U8 mask) {

@@ -1,4 +1,4 @@
-# The portable scaler and Gaussian, in all builds of their kernels.
+# Tests the portable scaler and Gaussian in all builds of their kernels.
 add_executable(fastcv_test
   fastcv_gaussian_test.cpp
   fastcv_scale_test.cpp

@@ -1,3 +1,6 @@
+if(NOT ZAVRI_TOOLS)
+  return()
+endif()
 # Tests of the program's parts, and of the program, which they run.
 add_executable(zavri_parts_test
   images_test.cpp

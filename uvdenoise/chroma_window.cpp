@@ -16,7 +16,7 @@ void each_neighbour(const uint8_t* centre, ptrdiff_t step, Window window, Add ad
   for (int k = 1; k <= window.after; ++k) add(centre + k * step);
 }
 
-// The rule of the weighted mean, for one sample.
+// Applies the rule of the weighted mean to one sample.
 void filter_sample(uint8_t* centre, ptrdiff_t step, Window window, const Weights& weights) {
   const int u = centre[0];
   const int v = centre[1];
@@ -39,7 +39,7 @@ void filter_sample(uint8_t* centre, ptrdiff_t step, Window window, const Weights
 
 struct FixedTolerance {};
 
-// The rule of the plain mean.
+// Applies the rule of the plain mean to one sample.
 void filter_sample(uint8_t* centre, ptrdiff_t step, Window window, FixedTolerance) {
   const int u = centre[0];
   const int v = centre[1];
@@ -143,8 +143,8 @@ void with_mean(FixedTolerance, Filter filter) {
 
 bool fits_16_bits(const Pass&, FixedTolerance) { return true; }
 
-// Whether the vector form filters as the rule does. It filters the lines of a group at once, the
-// rule one line after the other: the same bytes only if lines do not touch each other.
+// Tells whether the vector form filters as the rule does. It filters the lines of a group at once,
+// the rule one line after the other: the same bytes only if lines do not touch each other.
 template <class Rule>
 bool takes_vectors(const Grid& grid, const Pass& pass, const Rule& rule) {
   return kVectorized && kHasByteTables && fits_16_bits(pass, rule) &&

@@ -1,7 +1,7 @@
 #pragma once
 
-// Lines of the grid side by side, as the vector form of the chroma window filters them: lane i of a
-// Cell is a sample of line i.
+// The vector form of the chroma window filters lines of the grid side by side: lane i of a Cell is
+// a sample of line i.
 
 #include <algorithm>
 
@@ -28,7 +28,7 @@ ZAVRI_INLINE Cell cell_of(const U8* quads) {
   return {(S8)minus_128(u), (S8)minus_128(v)};
 }
 
-// The pairs of a cell's lines, U in the low bytes.
+// Returns the pairs of a cell's lines, which have U in their low bytes.
 ZAVRI_INLINE Wide pairs_of(Cell cell) {
   return widen(minus_128((U8)cell.u), minus_128((U8)cell.v));
 }
@@ -84,7 +84,8 @@ ZAVRI_INLINE void transpose_tiles(U8* vectors) {
   vectors[3] = (U8)interleave_upper(ac_upper, bd_upper);
 }
 
-// The kLines columns from `column` on. Lines below `first_line` are read, but not written.
+// A ColumnGroup is the kLines columns from `column` on. Lines below `first_line` are read, but not
+// written.
 class ColumnGroup {
  public:
   ColumnGroup(const Grid& grid, ptrdiff_t column, ptrdiff_t first_line)
@@ -126,7 +127,7 @@ class ColumnGroup {
   const ptrdiff_t first_line_;
 };
 
-// `lines` rows, at most kLines, from `row` on. Lanes beyond them repeat the last row.
+// A RowGroup is `lines` rows, at most kLines, from `row` on. Lanes beyond them repeat the last row.
 class RowGroup {
  public:
   RowGroup(const Grid& grid, ptrdiff_t row, ptrdiff_t lines)

@@ -1,6 +1,7 @@
 #pragma once
 
-// The means of the chroma window's vector form, one sample of each of kVectorBytes lines at a time.
+// The means of the chroma window's vector form take one sample of each of kVectorBytes lines at a
+// time.
 
 #include "simd/vec.h"
 #include "uvdenoise/chroma_window.h"
@@ -8,14 +9,14 @@
 namespace zavri {
 namespace {
 
-// A sample of each line, less 128. Differences of such samples saturate only where they are beyond
-// every tolerance.
+// A Cell has a sample of each line, less 128. Differences of such samples saturate only where they
+// are beyond every tolerance.
 struct Cell {
   S8 u;
   S8 v;
 };
 
-// What a neighbour adds to the sums.
+// A Term is what a neighbour adds to the sums.
 struct Term {
   U8 weight;
   S8 u;
@@ -53,17 +54,18 @@ struct WeightReciprocals {
 };
 constexpr WeightReciprocals kWeightReciprocals;
 
-// floor(y / w) for signed y, with r = kWeightReciprocals.of[w]. As r is within 1/2 of 2^15 / w,
-// y * r / 2^15 is within 1/2 of y / w, and rounded to the nearest it is the quotient or one more.
+// Returns floor(y / w) for signed y, with r = kWeightReciprocals.of[w]. As r is within 1/2 of 2^15
+// / w, y * r / 2^15 is within 1/2 of y / w, and rounded to the nearest it is the quotient or one
+// more.
 ZAVRI_INLINE U16 floor_quotient(U16 y, U16 w, S16 r) {
   const U16 q = (U16)mul_high_rounded((S16)y, r);
   const U16 remainder = y - q * w;  // below 0 exactly where q is one more
   return q + (U16)((S16)remainder >> 15);
 }
 
-// The weighted mean as the centre plus the mean of the differences from it, because sums of
-// weighted differences fit 16 bits and those of weighted samples do not. It rounds down where the
-// rule rounds towards zero: the same, since sums of samples are not negative.
+// Computes the weighted mean as the centre plus the mean of the differences from it, because sums
+// of weighted differences fit 16 bits and those of weighted samples do not. It rounds down where
+// the rule rounds towards zero: the same, since sums of samples are not negative.
 template <size_t kEntries>
 class WeightedMean {
  public:
@@ -98,7 +100,7 @@ class WeightedMean {
   ByteTable<kEntries> table_;
 };
 
-// Whether all sums of a pass fit 16 bits and none of weights is below kCentreWeight.
+// Tells whether all sums of a pass fit 16 bits and none of weights is below kCentreWeight.
 inline bool fits_16_bits(const Pass& pass, const Weights& weights) {
   int neighbours = 0;
   for (const Span& span : pass.spans) {
@@ -121,7 +123,7 @@ inline bool fits_16_bits(const Pass& pass, const Weights& weights) {
 struct CountReciprocals {
   static constexpr int kMostSamples = kLongestTolerantWindow + 1;
 
-  // 2^15 / n to the nearest, but below 2^15.
+  // Returns 2^15 / n to the nearest, but below 2^15.
   static constexpr int of(int n) { return n == 1 ? 0x7fff : (0x8000 + n / 2) / n; }
 
   static constexpr bool are_exact() {
@@ -146,7 +148,7 @@ struct CountReciprocals {
 static_assert(CountReciprocals::are_exact());
 constexpr CountReciprocals kCountReciprocals;
 
-// The plain mean of the neighbours within the fixed tolerance and the centre.
+// Computes the plain mean of the centre and the neighbours within the fixed tolerance.
 class TolerantMean {
  public:
   TolerantMean() : low_(kCountReciprocals.low), high_(kCountReciprocals.high) {}
@@ -185,8 +187,8 @@ class TolerantMean {
   ByteTable<16> high_;
 };
 
-// The mean of a window about *centre. The sample just before the centre comes last, because it is
-// the last to be known when samples are filtered one after the other.
+// Returns the mean of a window about *centre. The sample just before the centre comes last, because
+// it is the last to be known when samples are filtered one after the other.
 template <class Mean>
 ZAVRI_INLINE Cell filtered(const Cell* centre, Window window, const Mean& mean) {
   const Cell c = *centre;

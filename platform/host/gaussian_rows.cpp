@@ -50,10 +50,10 @@ void blur_plain(GaussianBand band, size_t first, size_t last) {
   }
 }
 
-// The sums along a row, centred on row[0] and the bytes after it.
+// Returns the sums along a row that are centred on row[0] and the bytes after it.
 ZAVRI_INLINE Wide sums_along(const uint8_t* row) {
   static_assert(kGaussianReach == 2);
-  const Wide sums = add_samples(widen(load(row + 2), U8{}), load(row - 2), 1, load(row - 1), 4);
+  const Wide sums = add_samples(widen(load(row + 2)), load(row - 2), 1, load(row - 1), 4);
   return add_samples(sums, load(row), 6, load(row + 1), 4);
 }
 

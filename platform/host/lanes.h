@@ -1,6 +1,7 @@
 #pragma once
 
-// What the portable scaler and Gaussian need beyond simd/vec.h, with the same division into files.
+// The portable scaler and Gaussian need these operations beyond simd/vec.h. They are divided into
+// files likewise.
 //
 //   load_windows(from, offsets)     block i is the 16 bytes at from + offsets[i]
 //   lookup_in_blocks(U8 v, U8 i)    in each block byte v[i[k]] at k, i 0 .. 15

@@ -18,8 +18,8 @@ ZAVRI_INLINE U8 lookup_in_blocks(U8 v, U8 i) {
 }
 
 ZAVRI_INLINE Wide add_samples(Wide sums, U8 a, int weight_a, U8 b, int weight_b) {
-  const Wide wide_a = widen(a, U8{});
-  const Wide wide_b = widen(b, U8{});
+  const Wide wide_a = widen(a);
+  const Wide wide_b = widen(b);
   const auto a16 = static_cast<uint16_t>(weight_a);
   const auto b16 = static_cast<uint16_t>(weight_b);
   return {sums.lower + wide_a.lower * a16 + wide_b.lower * b16,

@@ -1,4 +1,4 @@
-// Stand-in for liblog where a target has none: one line per call on stderr.
+// Stands in for liblog where a target has none, and prints each call as a line on stderr.
 #include <cstdarg>
 #include <cstdio>
 

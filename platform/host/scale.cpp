@@ -15,7 +15,7 @@ struct Free {
   void operator()(void* block) const { free(block); }
 };
 
-// Arrays with one entry for each column of the result, in one block of memory.
+// Holds arrays with one entry for each column of the result, in one block of memory.
 class Columns {
  public:
   explicit Columns(uint32_t count) : count_((size_t{count} + kAlign - 1) / kAlign * kAlign) {
@@ -59,9 +59,9 @@ void copy(const Source& source, const Target& target) {
   }
 }
 
-// The sample that contains a position, given in half samples: sample k reaches from 2k - 1 to 2k
-// + 1. A position of 2.7 half samples, say, is floored to 2, and (2 + 1) >> 1 is sample 1, from 1
-// to 3.
+// Returns the sample that contains a position given in half samples, where sample k reaches from
+// 2k - 1 to 2k + 1. A position of 2.7, say, is floored to 2, and (2 + 1) >> 1 is sample 1, which
+// reaches from 1 to 3.
 uint32_t containing(const Positions& halves) {
   return static_cast<uint32_t>((halves.floor() + 1) >> 1);
 }

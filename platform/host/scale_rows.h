@@ -7,8 +7,8 @@
 
 namespace zavri::host {
 
-// Row kernels of the portable scaler. A row of source samples is first filtered along the row into
-// 16-bit sums, several such rows are then mixed into a row of the result:
+// These are the row kernels of the portable scaler. A row of source samples is first filtered along
+// the row into 16-bit sums, several such rows are then mixed into a row of the result:
 //
 //     source rows        sums          result
 //     . . . . . .   ->   o o o o   -+
@@ -33,18 +33,17 @@ constexpr int taps_of(Scheme scheme) { return scheme == Scheme::kSpline ? 4 : 2;
 inline constexpr size_t kWindow = 16;
 inline constexpr size_t kWindowOutputs = 8;
 
-// How the samples of a scaled row are made: sample x of source[first[x] + j] for every tap j, times
-// weights[j][x].
+// Sample x of a scaled row is the sum of source[first[x] + j] * weights[j][x] over the taps j.
 struct RowPlan {
   size_t count;
   uint32_t source_count;  // a tap from here on weighs 0 and must not be read
   const uint32_t* first;
   const int16_t* weights[4];
 
-  // The same as lookups, for enlargements of kWindow source samples or more; null for others. The
-  // samples 8g .. 8g + 7 need only the kWindow bytes from source[windows[g]] on. Therein the low
-  // and the high byte of pairs[x] are the places of the first two taps of sample x; the other two
-  // taps of a spline are two bytes further.
+  // These say the same as lookups. They are null unless kWindow or more source samples are
+  // enlarged. The samples 8g .. 8g + 7 need only the kWindow bytes from source[windows[g]] on.
+  // Therein the low and the high byte of pairs[x] are the places of the first two taps of sample x;
+  // the other two taps of a spline are two bytes further.
   const uint32_t* windows;
   const uint16_t* pairs;
   // The linear weights of these two taps, in the low and the high byte. Where a weight is 256, both
