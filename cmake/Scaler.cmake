@@ -7,6 +7,7 @@ zavri_add_objects(zavri_portable_scaler zavri_scaler_operations
   platform/host/scale_taps.cpp)
 zavri_add_kernels(zavri_portable_scaler zavri_scaler_kernels
   platform/host/gaussian_rows.cpp
+  platform/host/scale_double.cpp
   platform/host/scale_rows.cpp)
 zavri_add_library_objects(zavri_fastcv_objects)
 zavri_add_objects(zavri_fastcv_objects zavri_fastcv_functions platform/host/fastcv.cpp)

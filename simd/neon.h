@@ -11,7 +11,6 @@ using generic::load_blocks;
 using generic::multiply_add_pairs;
 using generic::small_quotient;
 using generic::store_blocks;
-using generic::store_interleaved;
 
 template <class V>
 ZAVRI_INLINE Deinterleaved<V> load_deinterleaved(const uint8_t* from) {
@@ -21,6 +20,11 @@ ZAVRI_INLINE Deinterleaved<V> load_deinterleaved(const uint8_t* from) {
   } else {
     return generic::load_deinterleaved<V>(from);  // an address of pairs may be odd
   }
+}
+
+ZAVRI_INLINE void store_interleaved(uint8_t* to, U8 a, U8 b) {
+  const uint8x16x2_t pairs = {{(uint8x16_t)a, (uint8x16_t)b}};
+  vst2q_u8(to, pairs);
 }
 
 ZAVRI_INLINE U8 splat_first_pair(U8 v) {

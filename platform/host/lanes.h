@@ -7,11 +7,19 @@
 //   lookup_in_blocks(U8 v, U8 i)    in each block byte v[i[k]] at k, i 0 .. 15
 //   add_samples(Wide, U8 a, int weight_a, U8 b, int weight_b)
 //                                   adds weight_a * a + weight_b * b, weights 0 .. 127
+//   diagonal_means(U8 a, U8 b, U8 c, U8 d)
+//                                   (3a + b + c + 3d) >> 3 as ad, (a + 3b + 3c + d) >> 3 as bc
+//   quarter_sums(U8 p, U8 q, U8 r, U8 s)
+//                                   -9p + 111q + 29r - 3s - 128 * 128 as a Wide, below 2^15
 //   splat_sums(int32_t x)           x in every lane
+//   FourWeights(weights).sum(S16 a, S16 b, S16 c, S16 d)
+//                                   weights[0] * a + .. + weights[3] * d as Sums
 //   add_products(Sums, S16 a, int16_t weight_a, S16 b, int16_t weight_b)
 //                                   adds weight_a * a + weight_b * b
 //   narrow_saturated<n>(Sums a, b)  the lanes of a, then those of b, shifted right by n to within
 //                                   16 bits and clamped to 0 .. 255
+//   narrow_rounded<n>(Sums a, b)    likewise of (sum + 2^(n-1)) >> n, which is within 16 bits, +
+//   128
 //
 // Sums has a 32-bit lane for each 16-bit lane of a vector: `lower` those for the lanes 0 .. 3 of
 // each block, `upper` those for the lanes 4 .. 7, in order.
@@ -24,6 +32,11 @@ namespace {
 struct Sums {
   S32 lower;
   S32 upper;
+};
+
+struct Diagonals {
+  U8 ad;
+  U8 bc;
 };
 
 ZAVRI_INLINE Sums splat_sums(int32_t x) { return {splat<S32>(x), splat<S32>(x)}; }

@@ -5,6 +5,7 @@
 #include <cstring>
 #include <memory>
 
+#include "platform/host/scale_double.h"
 #include "platform/host/scale_rows.h"
 #include "platform/host/scale_taps.h"
 
@@ -173,6 +174,38 @@ void scale_spline(const Source& source, const Target& target, const Columns& col
              SplineTaps(source.height, target.height));
 }
 
+// Whether the kernels for exactly twice the size do it.
+bool doubles(const Source& source, const Target& target) {
+  return source.width >= double_kernels().shortest && target.width / 2 == source.width &&
+         target.width % 2 == 0 && target.height / 2 == source.height && target.height % 2 == 0;
+}
+
+// The nearest row inside the plane.
+template <class Byte>
+Byte* row_near(const Plane<Byte>& plane, int64_t y) {
+  return plane.row(static_cast<uint32_t>(std::clamp<int64_t>(y, 0, int64_t{plane.height} - 1)));
+}
+
+// Before the first row of the source and behind its last one lies one row of the result each: the
+// two that the kernel makes there are equal.
+void double_linear(const Source& source, const Target& target) {
+  for (int64_t y = -1; y < source.height; ++y) {
+    double_kernels().linear(row_near(source, y), row_near(source, y + 1), source.width,
+                            row_near(target, 2 * y + 1), row_near(target, 2 * y + 2));
+  }
+}
+
+void double_spline(const Source& source, const Target& target, const Columns& columns) {
+  int16_t* const sums = columns.sums(0) + 1;
+  for (int64_t y = 0; y < target.height; ++y) {
+    const int64_t nearest = y / 2;
+    const int64_t onward = y % 2 == 0 ? -1 : 1;  // away from the nearest row
+    const uint8_t* rows[4];
+    for (int64_t j = 0; j < 4; ++j) rows[j] = row_near(source, nearest + (j - 1) * onward);
+    double_kernels().spline(rows, source.width, sums, row_near(target, y));
+  }
+}
+
 }  // namespace
 
 bool scale(const Source& source, const Target& target, Interpolation interpolation) {
@@ -187,10 +220,18 @@ bool scale(const Source& source, const Target& target, Interpolation interpolati
       scale_nearest(source, target, columns);
       break;
     case Interpolation::kLinear:
-      scale_linear(source, target, columns);
+      if (doubles(source, target)) {
+        double_linear(source, target);
+      } else {
+        scale_linear(source, target, columns);
+      }
       break;
     case Interpolation::kSpline:
-      scale_spline(source, target, columns);
+      if (doubles(source, target)) {
+        double_spline(source, target, columns);
+      } else {
+        scale_spline(source, target, columns);
+      }
       break;
   }
   return true;
