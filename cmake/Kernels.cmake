@@ -15,5 +15,8 @@ function(zavri_add_kernels objects prefix)
     target_compile_options(${prefix}_vector16 PRIVATE -march=x86-64-v2)
     zavri_add_objects(${objects} ${prefix}_vector32 ${ARGN})
     target_compile_options(${prefix}_vector32 PRIVATE -O3 -DZAVRI_VECTOR_BYTES=32 -march=x86-64-v3)
+  elseif(CMAKE_SYSTEM_PROCESSOR MATCHES "^(arm|aarch64)" AND CMAKE_SIZEOF_VOID_P EQUAL 4
+         AND NOT ZAVRI_GENERIC_VECTORS)
+    target_compile_options(${prefix}_vector16 PRIVATE -mfpu=neon)
   endif()
 endfunction()

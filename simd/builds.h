@@ -32,7 +32,7 @@ constexpr const char* build_name(Build build) {
 
 bool runs_here(Build build);
 
-// Returns the widest build that this processor runs.
+// Returns the widest build that this processor runs, or the plain one where vectors gain nothing.
 Build best_build();
 
 // Calls `overloads` with the tag of `build`.

@@ -16,3 +16,9 @@ target_compile_definitions(zavri_device_test PRIVATE
 add_dependencies(zavri_device_test zavri_device zavri_altered)
 gtest_discover_tests(zavri_device_test DISCOVERY_TIMEOUT 60
   PROPERTIES ENVIRONMENT ${test_environment})
+
+# A 32-bit ARM processor may lack NEON. There any kernel that used it would end the program.
+if(CMAKE_CROSSCOMPILING_EMULATOR MATCHES "qemu-arm")
+  add_test(NAME processor_without_neon COMMAND zavri_device verify)
+  set_tests_properties(processor_without_neon PROPERTIES ENVIRONMENT QEMU_CPU=cortex-a15,neon=off)
+endif()
