@@ -52,7 +52,9 @@ TEST(Burst, ShowsTheMiddleInRowsThatTheStripsShareOut) {
   for (size_t i = 0; i < photograph.rgb.size(); ++i) {
     photograph.rgb[i] = static_cast<uint8_t>(i / (3 * 67) * 5);  // by the row
   }
-  const BurstFrames burst = make_burst(photograph, Sensor{}, 1, 2);
+  BurstSettings settings;
+  settings.frames = 2;
+  const BurstFrames burst = make_burst(photograph, settings);
   EXPECT_EQ(burst.clean.size(), "66x40");
   EXPECT_NEAR(burst.clean.luma_row(0)[0], 2 * 5, 1);
   ASSERT_EQ(burst.noisy.size(), 2u);

@@ -13,19 +13,6 @@ namespace {
 
 using Json = nlohmann::json;
 
-// Keys are lower-case words, and there is no null.
-void expect_plain(const Json& value) {
-  EXPECT_FALSE(value.is_null());
-  if (!value.is_structured()) return;
-  for (const auto& item : value.items()) {
-    if (value.is_object()) {
-      EXPECT_EQ(item.key().find_first_not_of("abcdefghijklmnopqrstuvwxyz_"), std::string::npos)
-          << item.key();
-    }
-    expect_plain(item.value());
-  }
-}
-
 TEST_F(Zavri, ComparesAndSaysByItsStatusWhatIsBelowTheLimit) {
   make_burst_files(64, 48);
   const std::string same = "compare clean_64x48.nv12 clean_64x48.nv12 --min-psnr 99 --json";
@@ -59,16 +46,6 @@ TEST_F(Zavri, ShowsTheLibrarysLinesAndRemarksOnIdleThresholds) {
       << verbose.err;
   EXPECT_NE(verbose.err.find("V/Defog: 4 threads created by the thread pool\n"), std::string::npos);
   EXPECT_EQ(run(denoise + "--quiet").err, "");
-}
-
-// A later burst of fewer frames leaves none of the earlier one's behind.
-TEST_F(Zavri, BurstsReplaceBursts) {
-  make_burst_files(64, 48);
-  const Outcome outcome = run("burst photo.png --frames 2 --force --pix nv12 -o . --json");
-  ASSERT_EQ(outcome.status, kDone) << outcome.err;
-  expect_plain(Json::parse(outcome.out));
-  EXPECT_EQ(files(), (std::vector<std::string>{"clean_64x48.nv12", "frame0_64x48.nv12",
-                                               "frame1_64x48.nv12", "photo.png"}));
 }
 
 // Where nothing else is said, weights fall as a Gaussian of half the threshold.

@@ -6,10 +6,13 @@ add_executable(zavri_parts_test
   images_test.cpp
   loading_test.cpp
   metrics_test.cpp
+  noise_fit_test.cpp
   noise_test.cpp
+  scene_test.cpp
+  score_test.cpp
   storage_test.cpp
   support/pictures.cpp)
-target_link_libraries(zavri_parts_test PRIVATE zavri_images zavri_sensor GTest::gtest_main)
+target_link_libraries(zavri_parts_test PRIVATE zavri_quality GTest::gtest_main)
 gtest_discover_tests(zavri_parts_test DISCOVERY_TIMEOUT 60
   PROPERTIES ENVIRONMENT ${test_environment})
 
@@ -19,9 +22,11 @@ target_link_libraries(zavri_plain_caller PRIVATE zavricustpro)
 add_executable(zavri_program_test
   zavri_errors_test.cpp
   zavri_layout_test.cpp
+  zavri_score_test.cpp
   zavri_test.cpp
+  support/pictures.cpp
   support/program.cpp)
-target_link_libraries(zavri_program_test PRIVATE zavri_images zavricustpro GTest::gtest_main)
+target_link_libraries(zavri_program_test PRIVATE zavri_sensor zavricustpro GTest::gtest_main)
 target_compile_definitions(zavri_program_test PRIVATE
   ZAVRI_COMMAND="$<TARGET_FILE:zavri>"
   ZAVRI_PLAIN_CALLER="$<TARGET_FILE:zavri_plain_caller>")

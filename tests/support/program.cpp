@@ -43,6 +43,18 @@ std::string Zavri::text_of(const std::string& name) const {
   return {std::istreambuf_iterator<char>(in), {}};
 }
 
+void expect_plain(const nlohmann::json& report) {
+  EXPECT_FALSE(report.is_null());
+  if (!report.is_structured()) return;
+  for (const auto& item : report.items()) {
+    if (report.is_object()) {
+      EXPECT_EQ(item.key().find_first_not_of("abcdefghijklmnopqrstuvwxyz_"), std::string::npos)
+          << item.key();
+    }
+    expect_plain(item.value());
+  }
+}
+
 Frame random_frame(int width, int height, unsigned seed) {
   std::mt19937 random(seed);
   Frame frame(width, height);

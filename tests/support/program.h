@@ -1,5 +1,6 @@
 #pragma once
 
+#include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
 
@@ -28,6 +29,9 @@ class Zavri : public TestFolder {
   std::vector<std::string> files() const;
   std::string text_of(const std::string& name) const;
 };
+
+// Fails unless keys are lower-case words and there is no null.
+void expect_plain(const nlohmann::json& report);
 
 Frame random_frame(int width, int height, unsigned seed);
 

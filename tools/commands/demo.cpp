@@ -152,8 +152,11 @@ void Demo::write(const BurstFrames& burst, const Frame& before, const Frame& aft
 int Demo::run(Console& console) {
   find_photograph();
   console.progress("making " + std::to_string(kFrames) + " noisy frames of " + photograph_);
-  const BurstFrames burst =
-      make_burst(load_picture(photograph_), sensor_, static_cast<uint64_t>(seed_), kFrames);
+  BurstSettings settings;
+  settings.sensor = sensor_;
+  settings.seed = static_cast<uint64_t>(seed_);
+  settings.frames = kFrames;
+  const BurstFrames burst = make_burst(load_picture(photograph_), settings);
   const Frame& before = burst.noisy[static_cast<size_t>(denoise_.reference)];
   Result result;
   result.frame = before;

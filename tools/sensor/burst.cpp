@@ -1,6 +1,8 @@
 #include "tools/sensor/burst.h"
 
 #include <algorithm>
+#include <filesystem>
+#include <regex>
 
 namespace zavri::tools {
 namespace {
@@ -24,12 +26,19 @@ Picture middle_of(const Picture& photograph) {
 
 }  // namespace
 
-BurstFrames make_burst(const Picture& photograph, const Sensor& sensor, uint64_t seed, int frames) {
-  const Picture scene = middle_of(photograph);
+BurstFrames make_burst(const Picture& photograph, const BurstSettings& settings) {
+  const Scene scene(middle_of(photograph), settings.changes);
   BurstFrames burst;
-  burst.clean = to_frame(scene);
-  const SensorNoise noise(sensor);
-  for (int k = 0; k < frames; ++k) burst.noisy.push_back(capture(scene, noise, seed, k));
+  burst.views = scene.views(settings.frames, settings.seed);
+  burst.clean = to_frame(scene.seen(burst.views[0]));
+  if (settings.changes.object) burst.moving = scene.moving(burst.views);
+  std::optional<SensorNoise> sensor;
+  if (!settings.profile) sensor.emplace(settings.sensor);
+  for (int k = 0; k < settings.frames; ++k) {
+    const Picture seen = scene.seen(burst.views[static_cast<size_t>(k)]);
+    burst.noisy.push_back(sensor ? capture(seen, *sensor, settings.seed, k)
+                                 : with_noise(to_frame(seen), *settings.profile, settings.seed, k));
+  }
   return burst;
 }
 
@@ -43,6 +52,22 @@ std::vector<NamedFrame> name_frames(const BurstFrames& burst, const std::string&
     named.push_back({path, &burst.noisy[k]});
   }
   return named;
+}
+
+std::string name_mask(const BurstFrames& burst, const std::string& folder) {
+  return folder + "/mask_" + burst.clean.size() + ".png";
+}
+
+std::vector<std::string> burst_files(const std::string& folder) {
+  static const std::regex name(
+      R"((clean|frame[0-9])_[0-9]+x[0-9]+\.nv(12|21)|mask_[0-9]+x[0-9]+\.png)");
+  std::vector<std::string> paths;
+  std::error_code error;
+  for (const auto& entry : std::filesystem::directory_iterator(folder, error)) {
+    if (std::regex_match(entry.path().filename().string(), name)) paths.push_back(entry.path());
+  }
+  std::sort(paths.begin(), paths.end());
+  return paths;
 }
 
 }  // namespace zavri::tools

@@ -1,21 +1,36 @@
 #pragma once
 
+#include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "tools/images/frame.h"
+#include "tools/images/mask.h"
 #include "tools/sensor/noise.h"
+#include "tools/sensor/noise_profile.h"
+#include "tools/sensor/scene.h"
 
 namespace zavri::tools {
 
-// A still scene captured several times: frames that differ in their noise alone.
+struct BurstSettings {
+  Sensor sensor;
+  std::optional<NoiseProfile> profile;  // of the noise, in the sensor's place
+  Changes changes;
+  uint64_t seed = 1;
+  int frames = 4;
+};
+
+// A scene captured several times, and the truth about it.
 struct BurstFrames {
-  Frame clean;
+  Frame clean;  // what the first frame shows, without its noise
   std::vector<Frame> noisy;
+  std::vector<View> views;     // of each frame
+  std::optional<Mask> moving;  // where an object moves
 };
 
 // The frames show the middle of the photograph.
-BurstFrames make_burst(const Picture& photograph, const Sensor& sensor, uint64_t seed, int frames);
+BurstFrames make_burst(const Picture& photograph, const BurstSettings& settings);
 
 // The names and frames under which a burst is kept, such as frame0_5312x2988.nv12.
 struct NamedFrame {
@@ -24,5 +39,10 @@ struct NamedFrame {
 };
 std::vector<NamedFrame> name_frames(const BurstFrames& burst, const std::string& folder,
                                     const std::string& pixel);
+
+std::string name_mask(const BurstFrames& burst, const std::string& folder);
+
+// The paths of all frames and masks of bursts in a folder, whatever their sizes and formats.
+std::vector<std::string> burst_files(const std::string& folder);
 
 }  // namespace zavri::tools

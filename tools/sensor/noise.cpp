@@ -3,29 +3,14 @@
 #include <algorithm>
 #include <cmath>
 
+#include "tools/sensor/random.h"
 #include "tools/sensor/rows.h"
 
 namespace zavri::tools {
 namespace {
 
-constexpr int kDrawBits = 12;
-static_assert(1 << kDrawBits == SensorNoise::kDraws);
-
-// The value that a standard normal variable stays below with probability p.
-double normal_quantile(double p) {
-  double low = -6;
-  double high = 6;
-  for (int i = 0; i < 50; ++i) {
-    const double middle = (low + high) / 2;
-    (std::erfc(-middle / std::sqrt(2.0)) / 2 < p ? low : high) = middle;
-  }
-  return low;
-}
-
-// (i + 1/2) / kDraws, and the same values in bit-reversed order: the pairs of both fill the unit
-// square evenly, so that mean and variance of the draws come out right.
-double stratum(int i) { return (i + 0.5) / SensorNoise::kDraws; }
-
+// Strata in this order, and the same in ascending order: the pairs of both fill the unit square
+// evenly, so that mean and variance of the draws come out right.
 int reversed_bits(int i) {
   int reversed = 0;
   for (int bit = 0; bit < kDrawBits; ++bit) reversed |= (i >> bit & 1) << (kDrawBits - 1 - bit);
@@ -55,18 +40,6 @@ class PoissonQuantile {
   double below_;        // of count_ or less
 };
 
-// splitmix64: a generator as small as its state.
-struct Generator {
-  uint64_t state;
-
-  uint64_t next() {
-    uint64_t z = state += 0x9e3779b97f4a7c15;
-    z = (z ^ z >> 30) * 0xbf58476d1ce4e5b9;
-    z = (z ^ z >> 27) * 0x94d049bb133111eb;
-    return z ^ z >> 31;
-  }
-};
-
 }  // namespace
 
 double linear_from_srgb(double value) {
@@ -80,8 +53,7 @@ double srgb_from_linear(double linear) {
 }
 
 SensorNoise::SensorNoise(const Sensor& sensor) : draws_(256) {
-  std::array<double, kDraws> normal;
-  for (int i = 0; i < kDraws; ++i) normal[i] = normal_quantile(stratum(i));
+  const std::array<double, kDraws>& normal = normal_draws();
   for (int value = 0; value < 256; ++value) {
     PoissonQuantile photons(linear_from_srgb(value) * sensor.white());
     for (int i = 0; i < kDraws; ++i) {
@@ -96,9 +68,7 @@ Frame capture(const Picture& picture, const SensorNoise& noise, uint64_t seed, i
   Picture noisy(picture.width, picture.height);
   const size_t row_bytes = 3 * static_cast<size_t>(picture.width);
   for_each_row(picture.height, [&](int y) {
-    Generator generator{seed};
-    generator.state = generator.next() + static_cast<uint64_t>(index);
-    generator.state = generator.next() + static_cast<uint64_t>(y);
+    Generator generator = row_generator(seed, index, y);
     const uint8_t* const from = &picture.rgb[row_bytes * static_cast<size_t>(y)];
     uint8_t* const to = &noisy.rgb[row_bytes * static_cast<size_t>(y)];
     for (size_t x = 0; x < row_bytes; x += 3) {

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "tools/images/frame.h"
+#include "tools/sensor/random.h"
 
 namespace zavri::tools {
 
@@ -26,7 +27,7 @@ double srgb_from_linear(double linear);
 // distribution is that of the noisy value.
 class SensorNoise {
  public:
-  static constexpr int kDraws = 4096;
+  static constexpr int kDraws = tools::kDraws;
 
   explicit SensorNoise(const Sensor& sensor);
 
