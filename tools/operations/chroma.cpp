@@ -172,18 +172,18 @@ Result Chroma::run(const Frames& frames, int runs) const {
   Result result;
   result.frame = frame;
   const Room room{0, zavri_room_uv_denoise_before(&param), zavri_room_uv_denoise(&param)};
-  Frame copy = roomy(frame, room);
-  param.uv_plane = copy.chroma_row(0);
+  Frame copy;
   const auto prepare = [&] {
-    copy_picture(frame, copy);
+    copy = roomy_copy(frame, frame, room);
     if (!copy.layout().fixed) repeat_borders(copy, room);
+    param.uv_plane = copy.chroma_row(0);
   };
   result.seconds = median_seconds(runs, prepare, [&] { run_strips(window, param, parallel); });
   copy_picture(copy, result.frame);
   if (parallel) result.remarks.push_back("--parallel: the rows where strips meet depend on timing");
   const bool leaves_plane =
       room.before_chroma > 0 || room.chroma > param.stride * size_t{param.height};
-  if (leaves_plane && frame.layout().fixed) {
+  if (leaves_plane && !legacy && frame.layout().fixed) {
     result.remarks.push_back("the windows are higher than the strips, so that the result depends " +
                              std::string("on what lies in front of and behind the chroma plane"));
   }

@@ -111,8 +111,8 @@ Result Denoise::run(const Frames& frames, int runs) const {
   result.frame = frames[worked];
   const T_3DYuvDenoiseParam asked = record_of(*this, result.frame, frames.size());
   const Room room{zavri_room_denoise_luma(&asked), 0, zavri_room_denoise_chroma(&asked)};
-  Frames copies(frames.size(), roomy(result.frame, room));
-  for (size_t k = 0; k < frames.size(); ++k) copy_picture(frames[k], copies[k]);
+  Frames copies;
+  for (const Frame& frame : frames) copies.push_back(roomy_copy(frame, result.frame, room));
 
   T_3DYuvDenoiseParam param{};
   const auto prepare = [&] {

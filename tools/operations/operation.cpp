@@ -6,13 +6,6 @@
 
 namespace zavri::tools {
 
-Frame roomy(const Frame& frame, const Room& room) {
-  Layout layout = frame.layout();
-  if (!layout.fixed) layout.chroma_at = std::max(layout.chroma_at + room.before_chroma, room.luma);
-  layout.bytes = std::max({layout.bytes, room.luma, layout.chroma_at + room.chroma});
-  return {frame.width(), frame.height(), frame.order(), layout};
-}
-
 void copy_picture(const Frame& from, Frame& to) {
   if (from.order() != to.order()) return copy_picture(from.with_order(to.order()), to);
   const Layout& source = from.layout();
@@ -26,6 +19,15 @@ void copy_picture(const Frame& from, Frame& to) {
   for (int y = 0; y < to.height() / 2; ++y) {
     std::copy_n(from.chroma_row(y), to.width(), to.chroma_row(y));
   }
+}
+
+Frame roomy_copy(const Frame& picture, const Frame& like, const Room& room) {
+  Layout layout = like.layout();
+  if (!layout.fixed) layout.chroma_at = std::max(layout.chroma_at + room.before_chroma, room.luma);
+  layout.bytes = std::max({layout.bytes, room.luma, layout.chroma_at + room.chroma});
+  Frame copy(like.width(), like.height(), like.order(), layout);
+  copy_picture(picture, copy);
+  return copy;
 }
 
 void Operation::check_count(int frames) const {

@@ -72,10 +72,10 @@ struct Room {
   size_t chroma = 0;
 };
 
-// An empty frame like this one, with the room around its planes that a call takes. A fixed layout
-// stays as it is, whatever runs into what; in others the chroma plane moves back, so that the room
-// of both planes is apart.
-Frame roomy(const Frame& frame, const Room& room);
+// A copy of the picture in the layout of `like`, a frame of its size, with the room around its
+// planes that a call takes. A fixed layout stays as it is, whatever runs into what; in others the
+// chroma plane moves back, so that the room of both planes is apart.
+Frame roomy_copy(const Frame& picture, const Frame& like, const Room& room);
 
 // Copies a picture into a frame of its size: with its padding where the planes lie alike, and with
 // the chroma order of `to`.
