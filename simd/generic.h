@@ -141,6 +141,23 @@ ZAVRI_INLINE S16 mul_high_rounded(S16 a, S16 b) {
   return (S16)(((U32)low & 0xffff) | (U32)high << 16);
 }
 
+struct DivisorReciprocals {
+  int16_t of[kMostDivisor + 1];
+
+  constexpr DivisorReciprocals() : of{} {
+    for (int w = kLeastDivisor; w <= kMostDivisor; ++w) {
+      of[w] = static_cast<int16_t>(((1 << 15) + w / 2) / w);
+    }
+  }
+};
+constexpr DivisorReciprocals kDivisorReciprocals;
+
+ZAVRI_INLINE S16 reciprocals(U16 w) {
+  S16 r;
+  for (size_t i = 0; i < kLanesOf<S16>; ++i) r[i] = kDivisorReciprocals.of[w[i]];
+  return r;
+}
+
 // Long division, from bit 4 of the quotient down to bit 0: where b << bit does not fit into the
 // rest, their difference wraps, which sets its top bit and keeps it from being the smaller one.
 // These bits are the quotient's complement. For 50 / 7: 112 and 56 do not fit, 28 does and leaves

@@ -93,7 +93,48 @@ ZAVRI_INLINE S16 mul_high_rounded(S16 a, S16 b) {
   return (S16)vqrdmulhq_s16((int16x8_t)a, (int16x8_t)b);
 }
 
+// One step of Newton's method doubles the 8 bits of the estimate, which architecture manuals lay
+// down to the last bit. For every w the error is too small to change the nearest number.
+ZAVRI_INLINE int16x4_t reciprocals(uint16x4_t w) {
+  const float32x4_t divisor = vcvtq_f32_u32(vmovl_u16(w));
+  const float32x4_t estimate = vrecpeq_f32(divisor);
+  const float32x4_t r = vmulq_f32(estimate, vrecpsq_f32(divisor, estimate));
+  return vreinterpret_s16_u16(vrshrn_n_u32(vcvtq_n_u32_f32(r, 16), 1));
+}
+
+ZAVRI_INLINE S16 reciprocals(U16 w) {
+  return (S16)vcombine_s16(reciprocals(vget_low_u16((uint16x8_t)w)),
+                           reciprocals(vget_high_u16((uint16x8_t)w)));
+}
+
 constexpr bool kHasByteTables = true;
+
+#ifdef __aarch64__
+
+template <size_t kEntries>
+class ByteTable {
+ public:
+  ZAVRI_INLINE explicit ByteTable(const uint8_t* entries) {
+    for (size_t i = 0; i < kEntries / 16; ++i)
+      parts_[i / 4].val[i % 4] = vld1q_u8(entries + 16 * i);
+  }
+
+  ZAVRI_INLINE U8 at(U8 index) const {
+    const auto i = (uint8x16_t)index;
+    if constexpr (kEntries == 16) return (U8)vqtbl1q_u8(parts_[0].val[0], i);
+    if constexpr (kEntries == 32) {
+      return (U8)vqtbl2q_u8({{parts_[0].val[0], parts_[0].val[1]}}, i);
+    }
+    const uint8x16_t found = vqtbl4q_u8(parts_[0], i);
+    if constexpr (kEntries == 64) return (U8)found;
+    return (U8)vqtbx4q_u8(found, parts_[kEntries / 64 - 1], vsubq_u8(i, vdupq_n_u8(64)));
+  }
+
+ private:
+  uint8x16x4_t parts_[(kEntries + 63) / 64];
+};
+
+#else
 
 template <size_t kEntries>
 class ByteTable {
@@ -109,9 +150,6 @@ class ByteTable {
 
  private:
   ZAVRI_INLINE uint8x8_t at(uint8x8_t index) const {
-    if constexpr (kEntries == 16) {
-      return vtbl2_u8({{parts_[0].val[0], parts_[0].val[1]}}, index);
-    }
     uint8x8_t found = vtbl4_u8(parts_[0], index);
     for (size_t i = 1; i < kEntries / 32; ++i) {
       index = vsub_u8(index, vdup_n_u8(32));
@@ -120,8 +158,30 @@ class ByteTable {
     return found;
   }
 
-  uint8x8x4_t parts_[(kEntries + 31) / 32];
+  uint8x8x4_t parts_[kEntries / 32];
 };
+
+// Of the intrinsics, which take a struct of two halves, GCC 12 copies these and the result at every
+// lookup. %e and %f are the halves of a register.
+template <>
+class ByteTable<16> {
+ public:
+  ZAVRI_INLINE explicit ByteTable(const uint8_t* entries) : entries_(vld1q_u8(entries)) {}
+
+  ZAVRI_INLINE U8 at(U8 index) const {
+    uint8x16_t found;
+    asm("vtbl.8 %e0, {%e1, %f1}, %e2\n\t"
+        "vtbl.8 %f0, {%e1, %f1}, %f2"
+        : "=&w"(found)
+        : "w"(entries_), "w"((uint8x16_t)index));
+    return (U8)found;
+  }
+
+ private:
+  uint8x16_t entries_;
+};
+
+#endif
 
 ZAVRI_INLINE Wide add_products(Wide sums, U8 w1, S8 d1, U8 w2, S8 d2) {
   const auto add = [&sums](int8x16_t w, int8x16_t d) {

@@ -44,6 +44,7 @@
 //   select(U8 mask, U8 a, U8 b)     a where the mask is set, b elsewhere
 //   mul_high(U16 a, U16 b)          a * b >> 16, both below 2^15
 //   mul_high_rounded(S16 a, S16 b)  (a * b + 2^14) >> 15, not both -2^15
+//   reciprocals(U16 w)              2^15 / w to the nearest, w from kLeastDivisor to kMostDivisor
 //   small_quotient(U16 a, U16 b)    a / b rounded down; a < 32 * b, a < 2^15, 0 < b < 2^11
 // Tables
 //   ByteTable<n>(entries).at(U8 i)  entries[i], or 0 from n on; n is 16, 32, 64 or 128
@@ -101,6 +102,9 @@ template <class V>
 using Lane = std::decay_t<decltype(V{}[0])>;
 template <class V>
 constexpr size_t kLanesOf = sizeof(V) / sizeof(Lane<V>);
+
+constexpr int kLeastDivisor = 64;
+constexpr int kMostDivisor = 2350;
 
 struct Wide {
   U16 lower;

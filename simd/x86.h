@@ -18,6 +18,7 @@ typedef __m128i Native;
 
 using generic::duplicate_even;
 using generic::load_deinterleaved;
+using generic::reciprocals;
 using generic::small_quotient;
 using generic::splat_first_pair;
 using generic::store_interleaved;

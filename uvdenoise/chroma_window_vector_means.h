@@ -35,28 +35,12 @@ struct WindowSums {
   }
 };
 
-// of[w] is 2^15 / w to the nearest, for every sum of weights that a window may have.
-struct WeightReciprocals {
-  static constexpr int kMost = kCentreWeight + kLongestWindow * INT8_MAX;
+// Every sum of weights that a window may have is a divisor with a reciprocal.
+static_assert(kCentreWeight == kLeastDivisor);
+static_assert(kCentreWeight + kLongestWindow * INT8_MAX == kMostDivisor);
 
-  int16_t of[kMost + 1];
-
-  constexpr WeightReciprocals() : of{} {
-    for (int w = kCentreWeight; w <= kMost; ++w)
-      of[w] = static_cast<int16_t>(((1 << 15) + w / 2) / w);
-  }
-
-  ZAVRI_INLINE S16 lookup(U16 w) const {
-    S16 r;
-    for (size_t i = 0; i < kVectorBytes / 2; ++i) r[i] = of[w[i]];
-    return r;
-  }
-};
-constexpr WeightReciprocals kWeightReciprocals;
-
-// Returns floor(y / w) for signed y, with r = kWeightReciprocals.of[w]. As r is within 1/2 of 2^15
-// / w, y * r / 2^15 is within 1/2 of y / w, and rounded to the nearest it is the quotient or one
-// more.
+// Returns floor(y / w) for signed y, with r = reciprocals(w). As r is within 1/2 of 2^15 / w,
+// y * r / 2^15 is within 1/2 of y / w, and rounded to the nearest it is the quotient or one more.
 ZAVRI_INLINE U16 floor_quotient(U16 y, U16 w, S16 r) {
   const U16 q = (U16)mul_high_rounded((S16)y, r);
   const U16 remainder = y - q * w;  // below 0 exactly where q is one more
@@ -86,8 +70,8 @@ class WeightedMean {
 
   ZAVRI_INLINE static Cell mean(const WindowSums& sums, Cell centre) {
     const Wide& w = sums.weight;
-    const S16 lower = kWeightReciprocals.lookup(w.lower);
-    const S16 upper = kWeightReciprocals.lookup(w.upper);
+    const S16 lower = reciprocals(w.lower);
+    const S16 upper = reciprocals(w.upper);
     const auto moved = [&](S8 sample, const Wide& sum) {
       const S8 by = narrow_signed({floor_quotient(sum.lower + (w.lower >> 1), w.lower, lower),
                                    floor_quotient(sum.upper + (w.upper >> 1), w.upper, upper)});
@@ -187,24 +171,31 @@ class TolerantMean {
   ByteTable<16> high_;
 };
 
-// Returns the mean of a window about *centre. The sample just before the centre comes last, because
-// it is the last to be known when samples are filtered one after the other.
+// Returns the mean of a window about *centre, whose neighbours are taken in pairs: those in the
+// same distance on both sides, or two adjacent ones on one side. The sample just before the centre
+// comes last, because it is the last to be known when samples are filtered one after the other.
 template <class Mean>
 ZAVRI_INLINE Cell filtered(const Cell* centre, Window window, const Mean& mean) {
   const Cell c = *centre;
   WindowSums sums = mean.start(c);
-  if (window.before == window.after) {
-    for (int k = window.after; k > 0; --k) {
-      sums.add(mean.term(c, centre[k]), mean.term(c, centre[-k]));
-    }
-  } else {
-    const int side = window.before > 0 ? -1 : 1;
-    int k = window.before + window.after;
-    for (; k > 1; k -= 2) {
-      sums.add(mean.term(c, centre[side * k]), mean.term(c, centre[side * (k - 1)]));
-    }
-    if (k == 1) sums.add(mean.term(c, centre[side]), Term{});
+  const int count = window.before + window.after;
+  const bool both_sides = window.before == window.after;
+  const ptrdiff_t inwards = window.before > 0 ? 1 : -1;
+  const Cell* a = both_sides ? centre + window.after : centre - inwards * count;
+  if (count % 2 != 0) {
+    sums.add(mean.term(c, *a), Term{});
+    a += inwards;
   }
+  const Cell* b = both_sides ? centre - window.before : a + inwards;
+  const ptrdiff_t a_step = both_sides ? -1 : 2 * inwards;
+  const ptrdiff_t b_step = both_sides ? 1 : 2 * inwards;
+  static_assert(kShortestWindow >= 2);
+  int pairs = count / 2;
+  do {
+    sums.add(mean.term(c, *a), mean.term(c, *b));
+    a += a_step;
+    b += b_step;
+  } while (--pairs != 0);
   return mean.mean(sums, c);
 }
 
