@@ -26,6 +26,10 @@ void decimate(uint8_t* to, const uint8_t* from, size_t bytes) {
     return decimate_plain<kSize>(to, from, bytes);
   }
   size_t b = 0;
+  for (; b + 2 * kVectorBytes <= bytes; b += 2 * kVectorBytes) {
+    decimate_vector<kSize>(to, from, b);
+    decimate_vector<kSize>(to, from, b + kVectorBytes);
+  }
   for (; b + kVectorBytes <= bytes; b += kVectorBytes) decimate_vector<kSize>(to, from, b);
   // The last vector repeats some of the one before it.
   if (b < bytes) decimate_vector<kSize>(to, from, bytes - kVectorBytes);
