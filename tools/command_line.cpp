@@ -14,6 +14,7 @@ Command* g_last_command = nullptr;
 
 std::string names_of(const std::vector<Command*>& commands) {
   std::vector<std::string> names;
+  names.reserve(commands.size());
   for (const Command* command : commands) names.push_back(command->name());
   return joined(names);
 }

@@ -139,7 +139,7 @@ static inline size_t zavri_room_denoise_drift(const T_3DYuvDenoiseParam* param) 
 static inline size_t zavri_room_denoise_luma(const T_3DYuvDenoiseParam* param) {
   const size_t start = (kZavriStrips - 1) * (param->height / 4);
   const size_t rows = start + 2 * zavri_room_denoise_last_rows(param);
-  if (param->height < 2) return 0;
+  if (rows == 0) return 0;
   return (rows - 1) * param->y_stride + param->width + zavri_room_denoise_drift(param);
 }
 
@@ -147,13 +147,11 @@ static inline size_t zavri_room_denoise_luma(const T_3DYuvDenoiseParam* param) {
 static inline size_t zavri_room_denoise_chroma(const T_3DYuvDenoiseParam* param) {
   const size_t rows = param->height / 2;
   const size_t stride = param->uv_stride;
-  const size_t columns = param->width + param->width % 2;
-  size_t bytes;
   if (rows == 0) return 0;
-  bytes = (rows - 1) * stride + columns;
+  const size_t merged = (rows - 1) * stride + param->width + param->width % 2;
   /* The smoothing takes whole rows, and whole pairs. */
-  if (param->switch_d && bytes < rows * stride + stride % 2) bytes = rows * stride + stride % 2;
-  return bytes + zavri_room_denoise_drift(param);
+  const size_t smoothed = param->switch_d ? rows * stride + stride % 2 : 0;
+  return (smoothed < merged ? merged : smoothed) + zavri_room_denoise_drift(param);
 }
 
 #ifdef __cplusplus

@@ -37,7 +37,10 @@ std::string usage_of(const Entry& entry) {
     names.push_back(name);
   }
   std::string usage = entry.name + std::string("[:");
-  for (const std::string& name : names) usage += name + (&name == &names.back() ? "]" : ",");
+  for (const std::string& name : names) {
+    usage += name;
+    usage += &name == &names.back() ? ']' : ',';
+  }
   return usage;
 }
 
@@ -46,6 +49,14 @@ Error error_of_step(const std::string& text, const Error& error) {
   const std::string what = error.what();
   return Error("--then " + text + ": " + what.substr(what.rfind("--", 0) == 0 ? 2 : 0),
                error.status);
+}
+
+const Setting& setting_named(const Settings& settings, const std::string& name,
+                             const std::string& usage) {
+  const auto found = std::find_if(settings.begin(), settings.end(),
+                                  [&](const Setting& setting) { return setting.name == name; });
+  if (found == settings.end()) throw Error(name + ": no setting of " + usage);
+  return *found;
 }
 
 void set_values(Operation& operation, const std::vector<std::string>& values,
@@ -59,10 +70,7 @@ void set_values(Operation& operation, const std::vector<std::string>& values,
       continue;
     }
     const std::string name = values[i].substr(0, equals);
-    const auto setting = std::find_if(settings.begin(), settings.end(),
-                                      [&](const Setting& s) { return s.name == name; });
-    if (setting == settings.end()) throw Error(name + ": no setting of " + usage);
-    setting->set(values[i].substr(equals + 1));
+    setting_named(settings, name, usage).set(values[i].substr(equals + 1));
   }
 }
 

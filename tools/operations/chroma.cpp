@@ -43,16 +43,18 @@ const Window& window_of(const Chroma& chroma) {
                        [&](const Window& window) { return window.taps == chroma.taps; });
 }
 
+int parse_weight(const std::string& text, const std::string& path) {
+  const std::optional<int64_t> weight = parse_whole(text, INT8_MIN, INT8_MAX);
+  if (!weight) throw Error(path + ": " + text + ": weights are whole numbers, -128..127");
+  return static_cast<int>(*weight);
+}
+
 // The numbers of a text file: the weights of the differences 0, 1, 2 ..
 std::vector<int> read_weights(const std::string& path) {
   const Bytes bytes = read_file(path);
   std::istringstream text(std::string(bytes.begin(), bytes.end()));
   std::vector<int> weights;
-  for (std::string number; text >> number;) {
-    const std::optional<int64_t> weight = parse_whole(number, INT8_MIN, INT8_MAX);
-    if (!weight) throw Error(path + ": " + number + ": weights are whole numbers, -128..127");
-    weights.push_back(static_cast<int>(*weight));
-  }
+  for (std::string number; text >> number;) weights.push_back(parse_weight(number, path));
   if (weights.empty()) throw Error(path + ": there are no weights in it");
   return weights;
 }

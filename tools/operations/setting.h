@@ -54,6 +54,7 @@ template <class Value>
 Setting choice(const char* name, Value& value, std::vector<std::pair<std::string, Value>> choices,
                const char* what) {
   std::vector<std::string> names;
+  names.reserve(choices.size());
   for (const auto& [choice_name, chosen] : choices) names.push_back(choice_name);
   const auto assign = [&value, choices](const std::string& text) {
     for (const auto& [choice_name, chosen] : choices) {
