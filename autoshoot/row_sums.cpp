@@ -51,16 +51,17 @@ constexpr struct SuffixMask {
   }
 } kSuffix;
 
+// A step loads four vectors before it adds them, so that a processor which executes in order waits
+// for all at once; they go into two sums, because an addition to one need not wait for the other.
 // Of the last vector, which reaches back over bytes that have been added, only the rest of the row
-// counts. A step loads four vectors before it adds them, so that a processor which executes in
-// order waits for all at once; each has sums of its own, so that no addition waits for another.
+// counts.
 template <class Reference>
 uint32_t sum_vectors(const uint8_t* row, size_t width, Reference reference) {
   constexpr size_t kStep = 4 * kVectorBytes;
-  ByteSums sums[4];
+  ByteSums sums[2];
   size_t i = 0;
   for (size_t steps = width / kStep; steps > 0;) {
-    const size_t adds = std::min(steps, ByteSums::kMostAdds);
+    const size_t adds = std::min(steps, ByteSums::kMostAdds / 2);
     steps -= adds;
     for (const size_t end = i + adds * kStep; i < end; i += kStep) {
       const size_t at[] = {i, i + kVectorBytes, i + 2 * kVectorBytes, i + 3 * kVectorBytes};
@@ -68,11 +69,11 @@ uint32_t sum_vectors(const uint8_t* row, size_t width, Reference reference) {
                             load(row + at[3])};
       const U8 references[] = {reference.vector_at(at[0]), reference.vector_at(at[1]),
                                reference.vector_at(at[2]), reference.vector_at(at[3])};
-      for (size_t v = 0; v < 4; ++v) Reference::add(&sums[v], samples[v], references[v]);
+      for (size_t v = 0; v < 4; ++v) Reference::add(&sums[v % 2], samples[v], references[v]);
     }
-    for (ByteSums& of_vector : sums) of_vector.settle();
+    for (ByteSums& half : sums) half.settle();
   }
-  for (size_t v = 1; v < 4; ++v) sums[0].add(sums[v]);
+  sums[0].add(sums[1]);
   for (; i + kVectorBytes <= width; i += kVectorBytes) {
     sums[0].add_abs_diff(load(row + i), reference.vector_at(i));
   }
