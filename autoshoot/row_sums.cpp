@@ -13,15 +13,22 @@ namespace {
 struct Zero {
   int at(size_t) const { return 0; }
   ZAVRI_INLINE U8 vector_at(size_t) const { return U8{}; }
+  static ZAVRI_INLINE void add(ByteSums* sums, U8 samples, U8) { sums->add(samples); }
 };
 
-struct Mean {
+struct Differing {
+  static ZAVRI_INLINE void add(ByteSums* sums, U8 samples, U8 references) {
+    sums->add_abs_diff(samples, references);
+  }
+};
+
+struct Mean : Differing {
   uint8_t mean;
   int at(size_t) const { return mean; }
   ZAVRI_INLINE U8 vector_at(size_t) const { return splat<U8>(mean); }
 };
 
-struct OtherRow {
+struct OtherRow : Differing {
   const uint8_t* other;
   int at(size_t i) const { return other[i]; }
   ZAVRI_INLINE U8 vector_at(size_t i) const { return load(other + i); }
@@ -44,36 +51,37 @@ constexpr struct SuffixMask {
   }
 } kSuffix;
 
-// Two vectors a step, because with one the loop's own instructions show; each has sums of its own,
-// because one addition need not wait for the other. Of the last vector, which reaches back over
-// bytes that have been added, only the rest of the row counts.
+// A step loads four vectors before it adds them, so that a processor which executes in order waits
+// for all at once; they go into two sums, because an addition to one need not wait for the other.
+// Of the last vector, which reaches back over bytes that have been added, only the rest of the row
+// counts.
 template <class Reference>
 uint32_t sum_vectors(const uint8_t* row, size_t width, Reference reference) {
-  constexpr size_t kStep = 2 * kVectorBytes;
-  ByteSums sums;
-  ByteSums more_sums;
+  constexpr size_t kStep = 4 * kVectorBytes;
+  ByteSums sums[2];
   size_t i = 0;
   for (size_t steps = width / kStep; steps > 0;) {
-    const size_t adds = std::min(steps, ByteSums::kMostAdds);
+    const size_t adds = std::min(steps, ByteSums::kMostAdds / 2);
     steps -= adds;
     for (const size_t end = i + adds * kStep; i < end; i += kStep) {
-      const size_t next = i + kVectorBytes;
-      sums.add_abs_diff(load(row + i), reference.vector_at(i));
-      more_sums.add_abs_diff(load(row + next), reference.vector_at(next));
+      const size_t at[] = {i, i + kVectorBytes, i + 2 * kVectorBytes, i + 3 * kVectorBytes};
+      const U8 samples[] = {load(row + at[0]), load(row + at[1]), load(row + at[2]),
+                            load(row + at[3])};
+      const U8 references[] = {reference.vector_at(at[0]), reference.vector_at(at[1]),
+                               reference.vector_at(at[2]), reference.vector_at(at[3])};
+      for (size_t v = 0; v < 4; ++v) Reference::add(&sums[v % 2], samples[v], references[v]);
     }
-    sums.settle();
-    more_sums.settle();
+    for (ByteSums& half : sums) half.settle();
   }
-  sums.add(more_sums);
-  if (i + kVectorBytes <= width) {
-    sums.add_abs_diff(load(row + i), reference.vector_at(i));
-    i += kVectorBytes;
+  sums[0].add(sums[1]);
+  for (; i + kVectorBytes <= width; i += kVectorBytes) {
+    sums[0].add_abs_diff(load(row + i), reference.vector_at(i));
   }
   const size_t last = width - kVectorBytes;
   const U8 rest = load(kSuffix.bytes + (width - i));
-  sums.add_abs_diff(load(row + last) & rest, reference.vector_at(last) & rest);
-  sums.settle();
-  return sums.total();
+  sums[0].add_abs_diff(load(row + last) & rest, reference.vector_at(last) & rest);
+  sums[0].settle();
+  return sums[0].total();
 }
 
 template <class Reference>
@@ -85,11 +93,11 @@ uint32_t sum_row(const uint8_t* row, size_t width, Reference reference) {
 uint32_t samples(const uint8_t* row, size_t width) { return sum_row(row, width, Zero{}); }
 
 uint32_t differences(const uint8_t* row, const uint8_t* other, size_t width) {
-  return sum_row(row, width, OtherRow{other});
+  return sum_row(row, width, OtherRow{{}, other});
 }
 
 uint32_t deviations(const uint8_t* row, size_t width, uint8_t mean) {
-  return sum_row(row, width, Mean{mean});
+  return sum_row(row, width, Mean{{}, mean});
 }
 
 }  // namespace

@@ -32,17 +32,18 @@ uint8_t mean(int sum, int reference, int count) {
 //                                     2(p + q) + d + e + 1, where d + e + 1 reaches 2, and so
 //                                     rounds (p + q) / 2 up, exactly when d or e is 1
 // One formula serves all counts: the frames that agree stand in for those that do not. With a alone
-// of three frames it is avg_round_up(avg_round_down(a, a), r), the mean of two.
+// of three frames it is avg_round_up(avg_round_down(a, a), r), the mean of two. Where none agrees
+// the result means nothing.
 template <int kOthers>
 ZAVRI_INLINE U8 mean(U8 r, const U8* other, const U8* agrees) {
   const U8 o0 = other[0];
   const U8 m0 = agrees[0];
   if constexpr (kOthers == 1) {
-    return select(m0, avg_round_up(r, o0), r);
+    return avg_round_up(r, o0);
   } else if constexpr (kOthers == 2) {
     const U8 a = select(m0, o0, other[1]);
     const U8 b = select(agrees[1], other[1], o0);
-    return select(m0 | agrees[1], avg_round_up(avg_round_down(a, b), r), r);
+    return avg_round_up(avg_round_down(a, b), r);
   } else {
     const U8 o1 = other[1];
     const U8 o2 = other[2];
@@ -55,7 +56,7 @@ ZAVRI_INLINE U8 mean(U8 r, const U8* other, const U8* agrees) {
     const U8 q = avg_round_down(o1, o2);
     const U8 odd = ((r ^ o0) | (o1 ^ o2)) & 1;
     const U8 of_all = avg_round_down(p, q) + ((p ^ q) & odd);
-    return select(m0 & m1 & m2, of_all, select(m0 | m1 | m2, of_some, r));
+    return select(m0 & m1 & m2, of_all, of_some);
   }
 }
 
@@ -100,48 +101,112 @@ void merge_position(const MergeRow& row, size_t b, const MergeLimits& limits) {
   }
 }
 
-// Merges the positions of one vector. A row is read before it is written, and bytes that stay as
-// they are are written back.
-template <MergeKind kKind, int kOthers>
-ZAVRI_INLINE void merge_vector(const MergeRow& row, size_t b, U8 chroma_limits, U8 luma_limits) {
-  const U8 uv = load(row.uv + b);
+// What a vector of positions reads of one plane.
+template <int kOthers>
+struct Samples {
+  U8 reference;
   U8 other[kOthers];
-  U8 agrees[kOthers];
-  U8 some_agree{};
-  for (int k = 0; k < kOthers; ++k) {
-    other[k] = load(row.other_uv[k] + b);
-    agrees[k] = pairs_within(other[k], uv, chroma_limits);
-    some_agree |= agrees[k];
+
+  ZAVRI_INLINE Samples(const uint8_t* row, const uint8_t* const* other_rows, size_t b)
+      : reference(load(row + b)) {
+    for (int k = 0; k < kOthers; ++k) other[k] = load(other_rows[k] + b);
   }
-  if constexpr (writes_chroma(kKind)) store(row.uv + b, mean<kOthers>(uv, other, agrees));
+};
+
+// Masks of the positions at which the frames agree with the reference.
+template <int kOthers>
+struct Agreement {
+  U8 of[kOthers];
+  U8 of_some;
+};
+
+// The even byte of a pair is the merged luma, which the rule tests and writes to both columns: the
+// limit of the odd byte lets everything pass.
+struct VectorLimits {
+  U8 chroma;
+  U8 luma;
+
+  ZAVRI_INLINE VectorLimits(U8 chroma_limits, U8 luma_limits)
+      : chroma(chroma_limits), luma((U8)((U16)luma_limits | 0xff00)) {}
+};
+
+// Merges the chroma of a vector. Bytes that stay as they are are written back, here and in the
+// luma.
+template <MergeKind kKind, int kOthers>
+ZAVRI_INLINE Agreement<kOthers> merge_chroma(const MergeRow& row, size_t b,
+                                             const Samples<kOthers>& uv, U8 limits) {
+  Agreement<kOthers> agreement{};
+  for (int k = 0; k < kOthers; ++k) {
+    agreement.of[k] = pairs_within(uv.other[k], uv.reference, limits);
+    agreement.of_some |= agreement.of[k];
+  }
+  if constexpr (writes_chroma(kKind)) {
+    const U8 merged = mean<kOthers>(uv.reference, uv.other, agreement.of);
+    store(row.uv + b, select(agreement.of_some, merged, uv.reference));
+  }
+  return agreement;
+}
+
+template <int kOthers>
+ZAVRI_INLINE void merge_luma(const MergeRow& row, size_t b, const Samples<kOthers>& y0, U8 y1,
+                             const Agreement<kOthers>& agreement, U8 limits) {
+  const U8 merged = mean<kOthers>(y0.reference, y0.other, agreement.of);
+  const U8 accepted = agreement.of_some & pairs_within(merged, y0.reference, limits);
+  const U8 flat = duplicate_even(merged);
+  store(row.y0 + b, select(accepted, flat, y0.reference));
+  store(row.y1 + b, select(accepted, flat, y1));
+}
+
+// Merges the positions of one vector.
+template <MergeKind kKind, int kOthers>
+ZAVRI_INLINE void merge_one(const MergeRow& row, size_t b, VectorLimits limits) {
+  const Samples<kOthers> uv(row.uv, row.other_uv, b);
+  const auto agreement = merge_chroma<kKind>(row, b, uv, limits.chroma);
   if constexpr (writes_luma(kKind)) {
-    const U8 y0 = load(row.y0 + b);
-    const U8 y1 = load(row.y1 + b);
-    for (int k = 0; k < kOthers; ++k) other[k] = load(row.other_y[k] + b);
-    const U8 merged = mean<kOthers>(y0, other, agrees);
-    // The even byte of a pair is the merged luma, which the rule tests and writes to both columns.
-    const U16 beyond = (U16)saturating_sub(abs_diff(merged, y0), luma_limits) << 8;
-    const U8 accepted = some_agree & (U8)(beyond == 0);
-    const U8 flat = duplicate_even(merged);
-    store(row.y0 + b, select(accepted, flat, y0));
-    store(row.y1 + b, select(accepted, flat, y1));
+    const Samples<kOthers> y0(row.y0, row.other_y, b);
+    merge_luma(row, b, y0, load(row.y1 + b), agreement, limits.luma);
   }
 }
 
-// Merges whole vectors of positions; returns the offset of the first position that is left.
+// Merges the positions of two vectors, which are loaded before they are merged, so that a processor
+// which executes in order waits for both at once.
+template <MergeKind kKind, int kOthers>
+ZAVRI_INLINE void merge_two(const MergeRow& row, size_t b, VectorLimits limits,
+                            VectorLimits next_limits) {
+  const size_t next = b + kVectorBytes;
+  const Samples<kOthers> uv(row.uv, row.other_uv, b);
+  const Samples<kOthers> next_uv(row.uv, row.other_uv, next);
+  const auto agreement = merge_chroma<kKind>(row, b, uv, limits.chroma);
+  const auto next_agreement = merge_chroma<kKind>(row, next, next_uv, next_limits.chroma);
+  if constexpr (writes_luma(kKind)) {
+    const Samples<kOthers> y0(row.y0, row.other_y, b);
+    const Samples<kOthers> next_y0(row.y0, row.other_y, next);
+    const U8 y1 = load(row.y1 + b);
+    const U8 next_y1 = load(row.y1 + next);
+    merge_luma(row, b, y0, y1, agreement, limits.luma);
+    merge_luma(row, next, next_y0, next_y1, next_agreement, next_limits.luma);
+  }
+}
+
+// Merges whole vectors of positions; returns the offset of the first position that is left. Two
+// vectors of four frames would not fit the registers.
 template <MergeKind kKind, int kOthers>
 ZAVRI_INLINE size_t merge_vectors(const MergeRow& row, size_t bytes, const MergeLimits& limits) {
   const MergeRow rows = row;  // a copy that no store can alias
-  const U8 chroma = splat<U8>(limits.chroma);
-  const U8 luma = splat<U8>(limits.luma);
+  const VectorLimits flat(splat<U8>(limits.chroma), splat<U8>(limits.luma));
+  const auto limits_at = [&](size_t b) {
+    if constexpr (!uses_ramp(kKind)) return flat;
+    const U8 ramp = load(limits.ramp + b);
+    return VectorLimits(ramp, ramp);
+  };
   size_t b = 0;
-  for (; b + kVectorBytes <= bytes; b += kVectorBytes) {
-    if constexpr (uses_ramp(kKind)) {
-      const U8 ramp = load(limits.ramp + b);
-      merge_vector<kKind, kOthers>(rows, b, ramp, ramp);
-    } else {
-      merge_vector<kKind, kOthers>(rows, b, chroma, luma);
+  if constexpr (kOthers <= 2) {
+    for (; b + 2 * kVectorBytes <= bytes; b += 2 * kVectorBytes) {
+      merge_two<kKind, kOthers>(rows, b, limits_at(b), limits_at(b + kVectorBytes));
     }
+  }
+  for (; b + kVectorBytes <= bytes; b += kVectorBytes) {
+    merge_one<kKind, kOthers>(rows, b, limits_at(b));
   }
   return b;
 }

@@ -14,20 +14,36 @@ void blend_plain(uint8_t* to, const uint8_t* sharp, const uint8_t* blurred, cons
   }
 }
 
+struct Operands {
+  U8 sharp;
+  U8 blurred;
+  U8 weight;
+};
+
 // Blends a vector. What a weight above 128 makes of the mean is not used.
-ZAVRI_INLINE U8 blend_vector(U8 sharp, U8 blurred, U8 weight) {
-  const U8 partly = (U8)(saturating_sub(weight, splat<U8>(kBlurAlone - 1)) == 0);
-  return select(partly, weighted_mean(sharp, blurred, weight), blurred);
+ZAVRI_INLINE U8 blend_vector(Operands of) {
+  const U8 partly = at_most(of.weight, splat<U8>(kBlurAlone - 1));
+  return select(partly, weighted_mean(of.sharp, of.blurred, of.weight), of.blurred);
 }
 
+// The loop loads two vectors before it blends them, so that a processor which executes in order
+// waits for both at once.
 void blend(uint8_t* to, const uint8_t* sharp, const uint8_t* blurred, const uint8_t* weight,
            size_t count) {
   if (!kVectorized || count < kVectorBytes) return blend_plain(to, sharp, blurred, weight, count);
-  const auto blend_at = [=](size_t i) {
-    store(to + i, blend_vector(load(sharp + i), load(blurred + i), load(weight + i)));
+  const auto load_at = [=](size_t i) {
+    return Operands{load(sharp + i), load(blurred + i), load(weight + i)};
   };
-  for (size_t i = 0; i + kVectorBytes <= count; i += kVectorBytes) blend_at(i);
-  blend_at(count - kVectorBytes);  // repeats some of the one before it
+  size_t i = 0;
+  for (; i + 2 * kVectorBytes <= count; i += 2 * kVectorBytes) {
+    const Operands first = load_at(i);
+    const Operands second = load_at(i + kVectorBytes);
+    store(to + i, blend_vector(first));
+    store(to + i + kVectorBytes, blend_vector(second));
+  }
+  if (i + kVectorBytes <= count) store(to + i, blend_vector(load_at(i)));
+  i = count - kVectorBytes;  // The last vector repeats some of the one before it.
+  store(to + i, blend_vector(load_at(i)));
 }
 
 }  // namespace

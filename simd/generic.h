@@ -121,6 +121,8 @@ ZAVRI_INLINE U8 abs(S8 a) {
 
 ZAVRI_INLINE U8 abs_diff(U8 a, U8 b) { return saturating_sub(a, b) | saturating_sub(b, a); }
 
+ZAVRI_INLINE U8 at_most(U8 a, U8 b) { return (U8)(a <= b); }
+
 ZAVRI_INLINE U8 max(U8 a, U8 b) { return b + saturating_sub(a, b); }
 
 ZAVRI_INLINE U32 min(U32 a, U32 b) { return a < b ? a : b; }

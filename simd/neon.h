@@ -7,6 +7,7 @@
 namespace zavri {
 namespace {
 
+using generic::at_most;
 using generic::load_blocks;
 using generic::multiply_add_pairs;
 using generic::small_quotient;

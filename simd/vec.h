@@ -39,6 +39,7 @@
 //   saturating_sub(S8 a, S8 b)      a - b, clamped to -128 .. 127
 //   abs(S8 a)                       |a| as U8
 //   abs_diff(U8 a, U8 b)            |a - b|
+//   at_most(U8 a, U8 b)             sets the bytes where a <= b
 //   max(U8 a, U8 b)                 the larger one
 //   min(U32 a, U32 b)               the smaller one
 //   select(U8 mask, U8 a, U8 b)     a where the mask is set, b elsewhere

@@ -55,6 +55,8 @@ ZAVRI_INLINE U8 abs(S8 a) { return (U8)ZAVRI_MM(abs_epi8, (Native)a); }
 
 ZAVRI_INLINE U8 abs_diff(U8 a, U8 b) { return saturating_sub(a, b) | saturating_sub(b, a); }
 
+ZAVRI_INLINE U8 at_most(U8 a, U8 b) { return (U8)(saturating_sub(a, b) == 0); }
+
 ZAVRI_INLINE U8 max(U8 a, U8 b) { return (U8)ZAVRI_MM(max_epu8, (Native)a, (Native)b); }
 
 ZAVRI_INLINE U32 min(U32 a, U32 b) { return (U32)ZAVRI_MM(min_epu32, (Native)a, (Native)b); }
