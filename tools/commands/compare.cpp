@@ -136,7 +136,7 @@ Case Compare::load_case(const std::string& name, std::vector<std::string> paths)
   for (size_t i = 0; i < frames.size(); ++i) {
     if (frames[i].size() != size) {
       const std::string& path = paths[std::min(i, paths.size() - 1)];
-      throw Error(path + ": " + frames[i].size() + " cannot be compared with " + size);
+      throw Error(path + ": " + frames[i].size().append(" cannot be compared with ").append(size));
     }
     cut(frames[i]);
   }
