@@ -12,8 +12,6 @@ namespace {
 // At this height the last strip's luma ends below the plane, and the drift of the edge sections
 // takes 93 rows more: the scanlines have room for both. Above 2 megapixels thresholds are not
 // scaled to 0.
-constexpr int kWidth = 2000;
-constexpr int kHeight = 1500;
 constexpr int kStride = 2048;
 constexpr int kScanlines = 1600;
 constexpr char kLayout[] = " --size 2000x1500 --stride 2048 --scanlines 1600 ";
