@@ -22,9 +22,8 @@ uint32_t all_differences(const LumaWindow& window) {
   constexpr size_t kGroupRows = 4;
   const size_t neighbours = window.width - 1;
   // The count of groups and the jump from one to the next are kept in 16 bits. The jump misses the
-  // row's start on purpose: group 1 of a rectangle at column 5 begins at column 4, group 2 at
-  // column
-  // 3. From 4 * pitch - width = 65536 on the jump is cut, and groups begin elsewhere.
+  // row's start on purpose: in a rectangle at column 5 group 1 begins at column 4 and group 2 at
+  // column 3. From 4 * pitch - width = 65536 on the jump is cut, and groups begin elsewhere.
   const size_t groups = (window.height / kGroupRows) & 0xffff;
   const size_t step = neighbours + ((kGroupRows * window.pitch - window.width) & 0xffff);
   const RowSumKernels& sums = row_sum_kernels();
@@ -77,7 +76,7 @@ uint32_t zavri_auto_shoot_opt_get_FV_value_average(const uint8_t* luma, uint32_t
   const uint32_t mean = zavri::sample_sum(*window, 1, window->height) / area;
   const zavri::RowSumKernels& sums = zavri::row_sum_kernels();
   uint32_t sum = 0;
-  // From the bottom up: the rows that were read last are still near.
+  // The walk goes from the bottom up, because the rows that were read last are still near.
   for (size_t r = window->height; r-- > 0;) {
     sum += sums.deviations(window->row(r), window->width, static_cast<uint8_t>(mean));
   }

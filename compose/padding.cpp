@@ -81,9 +81,9 @@ void write_row(uint8_t* to, const RowLayout& layout, uint8_t black, const uint8_
 
 // Of every four luma rows of a source the second and the fourth are taken, of every two chroma rows
 // the second. Positions run on from where the last row ended. If width - padding is no multiple of
-// 4 that is short of the next row, and the picture slides: at 66 columns without padding a row
-// takes 33
-// + 32 bytes, so that each pair of luma rows begins a byte further left than the one above.
+// 4 that is short of the next row, and the picture slides: at 66 columns without padding a row of
+// 33 and 32 bytes is a byte short, so that each pair of luma rows begins a byte further left than
+// the one above.
 void fill_picture(const T_ComposeParam& param, uint32_t mode, uint8_t* luma, uint8_t* chroma) {
   const DecimateKernels& decimate = decimate_kernels();
   const RowLayout layout(param, kPlacements[mode]);

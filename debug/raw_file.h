@@ -16,7 +16,7 @@ inline constexpr int kCreate = O_RDWR | O_CREAT;
 // Returns a descriptor, or what open() returns when it fails.
 int open_raw(const char* path, int flags);
 
-// Each of these is one call of the system.
+// A transfer is one system call, which is not repeated when it falls short.
 void write_raw(int file, const void* bytes, uint32_t size);
 void read_raw(int file, void* bytes, uint32_t size);
 

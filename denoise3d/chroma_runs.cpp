@@ -22,8 +22,8 @@ uint8_t rounded_mean(uint64_t sum, size_t count) {
   return static_cast<uint8_t>((sum + count / 2) / count);
 }
 
-// The rule, along `pairs` pairs that stand `step` bytes apart. Inlined into the vector form it
-// would take registers from it.
+// Applies the rule along `pairs` pairs that stand `step` bytes apart. It is not inlined, because it
+// would take registers from the vector form.
 __attribute__((noinline)) void smooth_line(uint8_t* line, size_t step, size_t pairs) {
   for (size_t first = 0; first < pairs;) {
     const int u = line[first * step];

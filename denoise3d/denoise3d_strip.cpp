@@ -90,9 +90,9 @@ MergeRow Strip::row_at(ptrdiff_t chroma, ptrdiff_t luma) const {
   return row;
 }
 
-// Where the last strip's luma runs into chroma, another strip may merge that at the same time. The
-// vector forms write back what they do not change, and would undo it; the plain rule writes only
-// what it merges.
+// Where the last strip's luma runs into chroma, another strip may merge that chroma at the same
+// time. The vector forms write back what they do not change, and would undo the merge; the plain
+// rule writes only what it merges.
 void Strip::merge_row(MergeKind kind, ptrdiff_t chroma, ptrdiff_t luma, size_t bytes,
                       const MergeLimits& limits) const {
   const ptrdiff_t chroma_plane = static_cast<ptrdiff_t>(param_.uv_offset);

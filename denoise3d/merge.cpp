@@ -101,7 +101,7 @@ void merge_position(const MergeRow& row, size_t b, const MergeLimits& limits) {
   }
 }
 
-// What a vector of positions reads of one plane.
+// Samples are what a vector of positions reads of one plane.
 template <int kOthers>
 struct Samples {
   U8 reference;
@@ -113,7 +113,8 @@ struct Samples {
   }
 };
 
-// Masks of the positions at which the frames agree with the reference.
+// An Agreement has masks of positions: of[k] where other frame k agrees with the reference, of_some
+// where at least one does.
 template <int kOthers>
 struct Agreement {
   U8 of[kOthers];
@@ -130,8 +131,7 @@ struct VectorLimits {
       : chroma(chroma_limits), luma((U8)((U16)luma_limits | 0xff00)) {}
 };
 
-// Merges the chroma of a vector. Bytes that stay as they are are written back, here and in the
-// luma.
+// Merges the chroma of a vector, and writes back the bytes that stay as they are.
 template <MergeKind kKind, int kOthers>
 ZAVRI_INLINE Agreement<kOthers> merge_chroma(const MergeRow& row, size_t b,
                                              const Samples<kOthers>& uv, U8 limits) {
@@ -147,6 +147,7 @@ ZAVRI_INLINE Agreement<kOthers> merge_chroma(const MergeRow& row, size_t b,
   return agreement;
 }
 
+// Merges the luma of a vector, and writes back the bytes that stay as they are.
 template <int kOthers>
 ZAVRI_INLINE void merge_luma(const MergeRow& row, size_t b, const Samples<kOthers>& y0, U8 y1,
                              const Agreement<kOthers>& agreement, U8 limits) {
@@ -192,7 +193,7 @@ ZAVRI_INLINE void merge_two(const MergeRow& row, size_t b, VectorLimits limits,
 // vectors of four frames would not fit the registers.
 template <MergeKind kKind, int kOthers>
 ZAVRI_INLINE size_t merge_vectors(const MergeRow& row, size_t bytes, const MergeLimits& limits) {
-  const MergeRow rows = row;  // a copy that no store can alias
+  const MergeRow rows = row;  // no store can alias this copy
   const VectorLimits flat(splat<U8>(limits.chroma), splat<U8>(limits.luma));
   const auto limits_at = [&](size_t b) {
     if constexpr (!uses_ramp(kKind)) return flat;

@@ -22,7 +22,7 @@ struct MergeRow {
   const uint8_t* other_y[3];
 };
 
-// These are the largest differences that are still accepted; a threshold t accepts up to t - 1. A
+// Limits are the largest differences that are still accepted; a threshold t accepts up to t - 1. A
 // frame agrees if its U and its V are within `chroma` of the reference's, and merged luma is
 // written if it is within `luma`. The kinds kEdges and kEdgesLuma take both limits of a position
 // from the ramp instead, which has it in both bytes of the position.

@@ -5,9 +5,9 @@
 #include "include/zavricustpro.h"
 #include "platform/log.h"
 
-// The processing lock. A heavy operation holds it from before the pool is ensured until its last
-// strip has finished: so one such operation runs at a time, and HALThreadPoolInit never runs twice
-// at once.
+// A heavy operation holds this processing lock from before the pool is ensured until its last strip
+// has finished: so one such operation runs at a time, and HALThreadPoolInit never runs twice at
+// once.
 extern pthread_mutex_t g_mp_process_lock;
 
 namespace zavri {

@@ -28,8 +28,8 @@ bool is_enlargement(const T_ResizeParam& p) {
   return p.src_width <= p.dst_width && p.src_height <= p.dst_height && p.src_stride <= p.dst_stride;
 }
 
-// Strips 0..2 have this many luma rows, an even number, so that their chroma rows are whole; strip
-// 3 has what is left.
+// Returns how many luma rows strips 0..2 have: an even number, so that their chroma rows are whole.
+// Strip 3 has what is left.
 uint32_t strip_rows(uint32_t height) {
   const uint32_t quarter = height / 4;
   return quarter + quarter % 2;

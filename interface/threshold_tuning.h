@@ -12,8 +12,8 @@ namespace zavri {
 uint8_t tune_threshold(uint8_t requested, uint8_t gain, const T_GainThreshPoint* table,
                        uint8_t count);
 
-// Returns `threshold` times the percentage for a frame of width x height pixels: 0 up to one
-// megapixel, all of it from 20 megapixels on.
+// Returns `threshold` times the percentage for a frame of width x height pixels, whose megapixels
+// are counted whole: 0 below two of them, 15 % at two, all of it from 20 to 255.
 uint8_t scale_threshold(uint8_t threshold, uint32_t width, uint32_t height);
 
 }  // namespace zavri

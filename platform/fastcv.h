@@ -9,7 +9,7 @@
 
 extern "C" {
 
-// Scale an 8-bit plane to another size. Return 0 when done.
+// Both functions scale an 8-bit plane to another size and return 0 when done.
 int fcvScaleu8(const uint8_t* src, uint32_t src_width, uint32_t src_height, uint32_t src_stride,
                uint8_t* dst, uint32_t dst_width, uint32_t dst_height, uint32_t dst_stride,
                int interpolation);

@@ -1,6 +1,6 @@
-// The allocation functions of the shared object. Those of a C++ library throw, and with a static
-// one each phone would store what serves an exception that nobody can catch: unwinder, personality,
-// and the demangler for the last words.
+// The shared object has allocation functions of its own, because those of a C++ library throw. With
+// a static one each phone would store what serves an exception that nobody can catch: unwinder,
+// personality, and the demangler for the last words.
 #include <cstdlib>
 #include <new>
 

@@ -30,7 +30,7 @@ struct RnrBuffers {
 };
 
 // zavri_mp_RNR_init_base alone writes the state, while no tile is worked on. Until its first call
-// all is zero, and every tile empty.
+// all is zero, and every tile is empty.
 struct RnrState {
   uint32_t width;
   uint32_t height;

@@ -9,8 +9,8 @@
 namespace zavri {
 namespace {
 
-// Whether simd/vec.h has operations of this target's own. Without them compilers take most vectors
-// apart into bytes, which is slower than the plain rule.
+// Tells whether simd/vec.h has operations of this target's own. For other targets compilers take
+// most vectors apart into bytes, which is slower than the plain rule.
 #if defined(__x86_64__) || defined(__ARM_FP) || defined(ZAVRI_GENERIC_VECTORS)
 constexpr bool kVectorsPay = true;
 #else

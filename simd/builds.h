@@ -1,7 +1,7 @@
 #pragma once
 
-// The row kernels' sources are compiled once per build: as the plain rule alone, which defines
-// every result, and once per vector length. All builds give the same bytes. The plain build
+// The row kernels' sources are compiled once per build. The plain build runs the rule alone, which
+// defines every result; each vector length has a build that gives the same bytes. The plain build
 // compiles the vector forms, too, but calls none of them, so that sources need no #ifdef.
 //
 // A kernel family is a struct of function pointers. Its header declares one overload per build,

@@ -1,7 +1,7 @@
 #pragma once
 
-// The operations of simd/vec.h, which includes this file, without intrinsics. Targets take over the
-// bodies that they do not replace.
+// This file, which simd/vec.h includes, has its operations without intrinsics. Targets take over
+// the bodies that they do not replace.
 
 namespace zavri {
 namespace {
@@ -92,8 +92,8 @@ ZAVRI_INLINE U8 avg_round_up(U8 a, U8 b) { return (a | b) - ((a ^ b) >> 1); }
 
 ZAVRI_INLINE U8 avg_round_down(U8 a, U8 b) { return (a & b) + ((a ^ b) >> 1); }
 
-// a + (weight * (b - a) >> 7): the product is within 128 * 255 and so in 16 bits, the shift rounds
-// down, as that of the whole sum does.
+// Computes a + (weight * (b - a) >> 7). The product is within 128 * 255, which a signed lane of 16
+// bits holds, and 128 * a, which is taken out of the shift, leaves no rest: both forms round alike.
 ZAVRI_INLINE U8 weighted_mean(U8 a, U8 b, U8 weight) {
   const auto moved = [](U16 a16, U16 b16, U16 weight16) {
     return (U16)((S16)(weight16 * (b16 - a16)) >> 7);
@@ -160,10 +160,11 @@ ZAVRI_INLINE S16 reciprocals(U16 w) {
   return r;
 }
 
-// Long division, from bit 4 of the quotient down to bit 0: where b << bit does not fit into the
-// rest, their difference wraps, which sets its top bit and keeps it from being the smaller one.
-// These bits are the quotient's complement. For 50 / 7: 112 and 56 do not fit, 28 does and leaves
-// 22, 14 leaves 8, 7 leaves 1; the bits are 11000, that is 24, and 31 - 24 = 7.
+// This is long division, from bit 4 of the quotient down to bit 0: where b << bit does not fit into
+// the rest, their difference wraps, which sets its top bit and keeps it from being the smaller one.
+// The top bits of the five differences are the quotient's complement. For 50 / 7: 112 and 56 do not
+// fit, 28 does and leaves 22, 14 leaves 8, 7 leaves 1; the bits are 11000, that is 24, and
+// 31 - 24 = 7.
 ZAVRI_INLINE U16 small_quotient(U16 a, U16 b) {
   U16 rest = a;
   U16 complement{};
@@ -213,7 +214,8 @@ ZAVRI_INLINE Wide add_weights(Wide sums, U8 a, U8 b) {
   return {sums.lower + both.lower, sums.upper + both.upper};
 }
 
-// Lanes of 16 bits gather bytes before those of 32 bits do: each takes 2 * 255 from a vector.
+// Lanes of 16 bits gather bytes before lanes of 32 bits do. Each takes up to 2 * 255 from a vector,
+// so that 128 of them, 65280 in sum, fit.
 class ByteSums {
  public:
   static constexpr size_t kMostAdds = 128;

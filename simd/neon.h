@@ -1,6 +1,6 @@
 #pragma once
 
-// The operations of simd/vec.h, which includes this file, for NEON of ARMv7 and AArch64.
+// This file, which simd/vec.h includes, has its operations for NEON of ARMv7 and AArch64.
 
 #include <arm_neon.h>
 
@@ -162,8 +162,8 @@ class ByteTable {
   uint8x8x4_t parts_[kEntries / 32];
 };
 
-// Of the intrinsics, which take a struct of two halves, GCC 12 copies these and the result at every
-// lookup. %e and %f are the halves of a register.
+// The intrinsics take a struct of two halves, which GCC 12 copies at every lookup, like the result.
+// In the assembly text %e and %f are the halves of a register.
 template <>
 class ByteTable<16> {
  public:
@@ -200,7 +200,8 @@ ZAVRI_INLINE Wide add_weights(Wide sums, U8 a, U8 b) {
           (U16)vaddw_u8((uint16x8_t)sums.upper, vget_high_u8(both))};
 }
 
-// Lanes of 16 bits gather bytes before those of 32 bits do: each takes 2 * 255 from a vector.
+// Lanes of 16 bits gather bytes before lanes of 32 bits do. Each takes up to 2 * 255 from a vector,
+// so that 128 of them, 65280 in sum, fit.
 class ByteSums {
  public:
   static constexpr size_t kMostAdds = 128;
@@ -239,7 +240,7 @@ class PairSums {
   U32 odd_{};
 };
 
-// Four bits for each byte of a mask, in order.
+// Returns four bits for each byte of a mask, in order.
 ZAVRI_INLINE uint64_t nibbles(U8 mask) {
   return vget_lane_u64(vreinterpret_u64_u8(vshrn_n_u16((uint16x8_t)mask, 4)), 0);
 }

@@ -6,15 +6,15 @@
 
 namespace zavri {
 
-// The bytes [first, first + count).
+// A Range is the bytes [first, first + count).
 struct Range {
   const uint8_t* first;
   size_t count;
 };
 
-// Tells whether two ranges share a byte: the one that begins later begins inside the other. An
-// empty one counts as sharing the byte at its place. Only differences of addresses are taken,
-// because a sum of address and count may wrap.
+// Tells whether two ranges share a byte: the one that begins later begins inside the other. For an
+// empty one either answer may come and serves, because nothing is read or written there. Only
+// differences of addresses are taken, because a sum of address and count may wrap.
 inline bool overlap(const Range& a, const Range& b) {
   const auto a_first = reinterpret_cast<uintptr_t>(a.first);
   const auto b_first = reinterpret_cast<uintptr_t>(b.first);
@@ -29,8 +29,9 @@ struct Access {
   Range written;
 };
 
-// A vector form reads many lanes before it writes them, the rule goes on from lane to lane. Both
-// leave the same bytes if nothing that is written is read in another lane.
+// Tells whether no access writes what it reads. A vector form reads many lanes before it writes
+// them, the rule goes on from lane to lane: both leave the same bytes if nothing that is written is
+// read in another lane.
 inline bool no_overlap(std::initializer_list<Access> accesses) {
   for (const Access& access : accesses) {
     if (overlap(access.read, access.written)) return false;

@@ -1,11 +1,11 @@
 #pragma once
 
-// Vectors of kVectorBytes bytes in the compiler's own extension. Its operators work lane by lane:
-// + - * wrap, and a comparison sets all bits of the lanes where it holds. The operations listed
-// here are those that a target has in few instructions and that compilers do not find.
-// simd/generic.h has a body of each without intrinsics; a target's own file takes these over or
-// replaces them. Only kernel sources include this header, and each may do so in all its builds.
-// Everything here has internal linkage, so that the linker cannot mix the builds.
+// The kernels compute in vectors of kVectorBytes bytes, which are the compiler's own extension. Its
+// operators work lane by lane: + - * wrap, and a comparison sets all bits of the lanes where it
+// holds. The operations listed here are those that a target has in few instructions and that
+// compilers do not find. simd/generic.h has a body of each without intrinsics; a target's own file
+// takes these over or replaces them. Only kernel sources include this header, and each may do so in
+// all its builds. Everything here has internal linkage, so that the linker cannot mix the builds.
 //
 // A vector consists of blocks of 16 bytes. A Wide has a 16-bit lane for each byte of a vector:
 // `lower` those for the bytes 0 .. 7 of each block, `upper` those for the bytes 8 .. 15, in order.
@@ -23,9 +23,8 @@
 //   duplicate_even(U8 v)            v[0], v[0], v[2], v[2], ..
 //   interleave_lower(V a, V b)      a[0], b[0], a[1], b[1], .. of the lower halves of blocks
 //   interleave_upper(V a, V b)      the same of the upper halves
-//   split_cells(U8* v, even, odd)   bytes 0, 4, .. and bytes 1, 5, .. of the blocks 0 of v[0],
-//   v[1],
-//                                   v[2], v[3] make the blocks 0 of even and of odd; 1 likewise
+//   split_cells(U8* v, even, odd)   bytes 0, 4, .. of the blocks 0 of v[0] to v[3] make the block 0
+//                                   of even, bytes 1, 5, .. that of odd; blocks 1 likewise
 //   widen(U8 v)                     the bytes as a Wide
 //   widen(U8 low, U8 high)          low + 256 * high as a Wide
 //   narrow(Wide)                    the lanes, 0 .. 255, as U8
@@ -54,15 +53,14 @@
 //   multiply_add_pairs(U8 a, S8 b)  a[2i] * b[2i] + a[2i + 1] * b[2i + 1], within 16 bits
 //   add_products(Wide, U8 w1, S8 d1, U8 w2, S8 d2)  adds w1 * d1 + w2 * d2; w1, w2 up to 127
 //   add_weights(Wide, U8 a, U8 b)   adds a + b, both up to 127
-//   ByteSums                        sums all bytes, modulo 2^32, by add(U8 v), add_abs_diff(a, b)
-//   and
+//   ByteSums                        sums all bytes, modulo 2^32, by add(U8 v), add_abs_diff(a, b),
 //                                   add(ByteSums); settle() is due after kMostAdds of the first
 //                                   two, and before add(ByteSums) and total()
 //   PairSums                        sums the even and the odd bytes by add(U8 v); totals(), each
 //                                   below 2^32
 // Masks
 //   all_set(U8 mask)                whether all bytes are set
-//   first_clear(U8 mask)            the index of the first byte that is not; there is one
+//   first_clear(U8 mask)            the index of the first clear byte; there is at least one
 
 #include <cstddef>
 #include <cstdint>
@@ -72,7 +70,7 @@
 
 #include "simd/builds.h"
 
-// The plain build gives no length.
+// The plain build gives no length, because it calls no vector form: any length serves it.
 #ifndef ZAVRI_VECTOR_BYTES
 #define ZAVRI_VECTOR_BYTES 16
 #endif
@@ -140,7 +138,7 @@ ZAVRI_INLINE V splat(Lane<V> value) {
   return V{} + value;
 }
 
-// The lanes of a and b in turn, from the half kHalf of each block.
+// Returns the lanes of a and b in turn, from the half kHalf of each block.
 template <size_t kHalf, class V, size_t... kLane>
 ZAVRI_INLINE V interleave_halves(V a, V b, std::index_sequence<kLane...>) {
   constexpr size_t kInBlock = kBlockBytes / sizeof(a[0]);

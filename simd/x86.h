@@ -1,6 +1,6 @@
 #pragma once
 
-// The operations of simd/vec.h, which includes this file, for SSE4.2 and, with vectors of 32 bytes,
+// This file, which simd/vec.h includes, has its operations for SSE4.2 and, in vectors of 32 bytes,
 // for AVX2.
 
 #include <immintrin.h>
@@ -65,7 +65,7 @@ ZAVRI_INLINE U8 select(U8 mask, U8 a, U8 b) {
 #if ZAVRI_VECTOR_BYTES == 16
   return (U8)_mm_blendv_epi8((Native)b, (Native)a, (Native)mask);
 #else
-  return generic::select(mask, a, b);  // the 32-byte blend costs as much
+  return generic::select(mask, a, b);  // the 32-byte blend is no faster
 #endif
 }
 
@@ -80,7 +80,7 @@ ZAVRI_INLINE S8 narrow_signed(Wide wide) {
 ZAVRI_INLINE U8 narrow(U16 a, U16 b) {
   const U8 packed = narrow(Wide{a, b});
 #if ZAVRI_VECTOR_BYTES == 32
-  // Packing works block by block.
+  // Packing works block by block, which leaves the quarters as a, b, a, b.
   return (U8)_mm256_permute4x64_epi64((Native)packed, _MM_SHUFFLE(3, 1, 2, 0));
 #else
   return packed;
@@ -148,7 +148,7 @@ ZAVRI_INLINE Wide add_weights(Wide sums, U8 a, U8 b) {
   return add_products(sums, a, one, b, one);
 }
 
-// The sum of each 8 bytes, below 2^11, in a 64-bit lane.
+// Returns the sum of each 8 bytes, below 2^11, in a 64-bit lane.
 ZAVRI_INLINE U64 sum_bytes(U8 v) { return (U64)ZAVRI_MM(sad_epu8, (Native)v, (Native)U8{}); }
 
 ZAVRI_INLINE uint64_t sum_lanes(U64 v) {
@@ -184,7 +184,8 @@ class PairSums {
     odd_ += (U32)sum_bytes((U8)((U16)v >> 8));
   }
 
-  // Both totals, below 2^32, go through one sum of lanes. Only every other lane is not 0.
+  // Both totals, below 2^32, go through one sum of lanes: sum_bytes leaves the upper half of every
+  // 64-bit lane 0, which takes the odd ones.
   ZAVRI_INLINE PairTotals totals() const {
     const uint64_t both = sum_lanes((U64)(all_ - odd_) + ((U64)odd_ << 32));
     return {static_cast<uint32_t>(both), static_cast<uint32_t>(both >> 32)};

@@ -9,9 +9,9 @@
 namespace zavri::tools {
 namespace {
 
-// At this height the last strip's luma ends below the plane, and the drift of the edge sections
-// takes 93 rows more: the scanlines have room for both. Above 2 megapixels thresholds are not
-// scaled to 0.
+// At a height of 1500 the last strip's luma ends below the plane, and the drift of the edge
+// sections takes 93 rows more: the scanlines have room for both. Above 2 megapixels thresholds are
+// not scaled to 0.
 constexpr int kStride = 2048;
 constexpr int kScanlines = 1600;
 constexpr char kLayout[] = " --size 2000x1500 --stride 2048 --scanlines 1600 ";

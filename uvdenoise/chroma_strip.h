@@ -11,7 +11,8 @@ namespace zavri {
 // down the columns, and fills in what lies between.
 void weighted_denoise(const Taps& taps, uint32_t strip, const T_UVDenoiseParam& param);
 
-// Denoises the strip with the fixed tolerance instead of weights, with eleven taps and no borders.
+// Denoises a strip like weighted_denoise(), but with the fixed tolerance instead of weights, with
+// eleven taps and no borders.
 void tolerant_denoise(uint32_t strip, const T_UVDenoiseParam& param);
 
 }  // namespace zavri

@@ -22,24 +22,25 @@ struct Grid {
 };
 inline constexpr ptrdiff_t kColumnStep = 4;
 
-// How many samples on either side of the centre are its neighbours: as many on both, or all on one.
+// A Window says how many samples on either side of the centre are its neighbours: as many on both,
+// or all on one.
 struct Window {
   int before;
   int after;
 };
-// Bounds of before + after; those of the plain mean reach less far.
+// A window's before + after lies within these bounds; that of the plain mean has a lower one.
 inline constexpr int kShortestWindow = 6;
 inline constexpr int kLongestWindow = 18;
 inline constexpr int kLongestTolerantWindow = 10;
 
-// Positions along a row or a column that are filtered with one window.
+// A Span is the positions along a row or a column that are filtered with one window.
 struct Span {
   ptrdiff_t from;
   uint32_t count;
   Window window;
 };
 
-// The spans of one pass in their order: a border, the middle, a border.
+// A Pass filters its spans in their order: a border, the middle, a border.
 struct Pass {
   Span spans[3];
 };
@@ -56,13 +57,14 @@ inline constexpr Taps kTaps11 = {5, 15};
 inline constexpr Taps kTaps15 = {7, 15};
 inline constexpr Taps kTaps19 = {9, 15};
 
-// Filters `middle` samples, all but the first and the last `reach` of a line.
+// Returns the pass over `middle` samples, all but the first and the last `reach` of a line.
 constexpr Pass middle_pass(int reach, uint32_t middle) {
   return {{{reach, middle, {reach, reach}}}};
 }
 
-// Filters the same samples between two borders: the first `reach` samples before them, and the last
-// `reach` of them a second time after them. The line's last `reach` samples are never filtered.
+// Returns the pass over the first `reach` samples of a line, then the `middle` samples after them,
+// then the last `reach` of the middle a second time. The line's last `reach` samples are never
+// filtered: of 20 with a reach of 3 these are 0 .. 2, 3 .. 16 and 14 .. 16.
 constexpr Pass bordered_pass(int reach, uint32_t middle, int after_first, int before_last) {
   const auto border = static_cast<uint32_t>(reach);
   return {{{0, border, {0, after_first}},
@@ -90,7 +92,7 @@ struct Weights {
 inline constexpr int kFixedTolerance = 19;
 
 struct ChromaWindowKernels {
-  // These run a pass along every row and down every column of the grid.
+  // The kernels run a pass along every row or down every column of the grid.
   void (*weighted_rows)(const Grid& grid, const Pass& pass, const Weights& weights);
   void (*weighted_columns)(const Grid& grid, const Pass& pass, const Weights& weights);
 

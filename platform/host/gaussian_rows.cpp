@@ -11,8 +11,8 @@ constexpr int kShift = 8;  // the weights along and those across sum to 16 each
 constexpr int kHalf = 1 << (kShift - 1);
 
 // feed(x[0]), feed(x[1]) .. return x[n - 4] + 4 * x[n - 3] + 6 * x[n - 2] + 4 * x[n - 1] + x[n],
-// which is the sum of two neighbours taken four times over. 16 bits hold the blur's: it is at most
-// 16 * 16 * 255 = 65280, and 65408 with kHalf.
+// which is the sum of two neighbours taken four times over. The sums of the blur fit 16 bits: they
+// are at most 16 * 16 * 255 = 65280, and 65408 with kHalf.
 template <class T>
 struct Binomial {
   ZAVRI_INLINE T feed(T x) {

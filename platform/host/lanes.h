@@ -1,7 +1,7 @@
 #pragma once
 
-// The portable scaler and Gaussian need these operations beyond simd/vec.h. They are divided into
-// files likewise.
+// The portable scaler and Gaussian need these operations beyond simd/vec.h. Each target has a file
+// with them, and lanes_generic.h serves the others without intrinsics.
 //
 //   load_windows(from, offsets)     block i is the 16 bytes at from + offsets[i]
 //   lookup_in_blocks(U8 v, U8 i)    in each block byte v[i[k]] at k, i 0 .. 15
@@ -18,8 +18,8 @@
 //                                   adds weight_a * a + weight_b * b
 //   narrow_saturated<n>(Sums a, b)  the lanes of a, then those of b, shifted right by n to within
 //                                   16 bits and clamped to 0 .. 255
-//   narrow_rounded<n>(Sums a, b)    likewise of (sum + 2^(n-1)) >> n, which is within 16 bits, +
-//   128
+//   narrow_rounded<n>(Sums a, b)    likewise 128 + ((sum + 2^(n-1)) >> n), where the shifted sum is
+//                                   within 16 bits
 //
 // Sums has a 32-bit lane for each 16-bit lane of a vector: `lower` those for the lanes 0 .. 3 of
 // each block, `upper` those for the lanes 4 .. 7, in order.

@@ -1,6 +1,6 @@
 #pragma once
 
-// The operations of platform/host/lanes.h, which includes this file, without intrinsics.
+// This file, which platform/host/lanes.h includes, has its operations without intrinsics.
 
 namespace zavri::host {
 namespace {

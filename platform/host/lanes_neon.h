@@ -1,6 +1,6 @@
 #pragma once
 
-// The operations of platform/host/lanes.h, which includes this file, for NEON.
+// This file, which platform/host/lanes.h includes, has its operations for NEON.
 
 namespace zavri::host {
 namespace {
@@ -33,8 +33,9 @@ ZAVRI_INLINE Wide add_samples(Wide sums, U8 a, int weight_a, U8 b, int weight_b)
   return sums;
 }
 
-// floor((ad + 3 * bc) / 8), with ad for a + d and bc for b + c, is (floor((ad + bc) / 2) + bc)
-// >> 2.
+// With ad for a + d and bc for b + c, (ad + 3 * bc) >> 3 is (((ad + bc) >> 1) + bc) >> 2, because
+// the half that the first shift may drop is too small to reach the next multiple of 4. For ad = 5
+// and bc = 4 both are 2.
 ZAVRI_INLINE Diagonals diagonal_means(U8 a, U8 b, U8 c, U8 d) {
   struct Halves {
     uint8x8_t ad;

@@ -1,6 +1,6 @@
 #pragma once
 
-// The operations of platform/host/lanes.h, which includes this file, for SSE4.2 and AVX2.
+// This file, which platform/host/lanes.h includes, has its operations for SSE4.2 and AVX2.
 
 namespace zavri::host {
 namespace {

@@ -1,4 +1,4 @@
-// Stands in for liblog where a target has none, and prints each call as a line on stderr.
+// This function stands in for liblog where a target has none: each call is a line on stderr.
 #include <cstdarg>
 #include <cstdio>
 

@@ -174,13 +174,13 @@ void scale_spline(const Source& source, const Target& target, const Columns& col
              SplineTaps(source.height, target.height));
 }
 
-// Whether the kernels for exactly twice the size do it.
+// Tells whether the kernels for exactly twice the size can be used.
 bool doubles(const Source& source, const Target& target) {
   return source.width >= double_kernels().shortest && target.width / 2 == source.width &&
          target.width % 2 == 0 && target.height / 2 == source.height && target.height % 2 == 0;
 }
 
-// The nearest row inside the plane.
+// Returns row y, or the nearest one inside the plane.
 template <class Byte>
 Byte* row_near(const Plane<Byte>& plane, int64_t y) {
   return plane.row(static_cast<uint32_t>(std::clamp<int64_t>(y, 0, int64_t{plane.height} - 1)));

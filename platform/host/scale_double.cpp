@@ -32,7 +32,8 @@ ZAVRI_INLINE void double_linear(const uint8_t* above, const uint8_t* below, size
   store_interleaved(lower + 2 * i + 1, avg_round_up(c, means.ad), avg_round_up(d, means.bc));
 }
 
-// Of the samples at both ends of a row only the rows differ.
+// Makes a sample at an end of a row. There a = b and c = d, because one sample stands for both
+// columns, and the weights of the rows remain.
 uint8_t linear_end(uint8_t near, uint8_t far) {
   return static_cast<uint8_t>((3 * near + far + 2) >> 2);
 }

@@ -16,7 +16,7 @@ namespace zavri::host {
 //     . C D .
 //     c . . d
 //
-// Outside the source there is its first or last sample.
+// The first or last sample of the source stands for those outside.
 struct DoubleKernels {
   size_t shortest;  // the least count for which these functions may be called
 

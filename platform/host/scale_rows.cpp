@@ -18,7 +18,7 @@ constexpr int shift_of(Scheme scheme) {
   return scheme == Scheme::kLinear ? 16 : scheme == Scheme::kLinearShort ? 8 : 14 + kProductShift;
 }
 
-// What is added to the products of sums: the offset's share, and a half for rounding.
+// Returns what is added to the products of sums: the offset's share, and a half for rounding.
 constexpr int completion(Scheme scheme) {
   return (kSampleOffset << shift_of(scheme)) + (1 << (shift_of(scheme) - 1));
 }
@@ -70,7 +70,7 @@ ZAVRI_INLINE S16 spline_sums(const RowPlan& plan, size_t x, U8 window) {
 
 template <Scheme kScheme>
 void filter(const RowPlan& plan_in, const uint8_t* source, int16_t* sums) {
-  const RowPlan plan = plan_in;  // a copy that no store can alias
+  const RowPlan plan = plan_in;  // no store can alias this copy
   size_t x = 0;
   if (kVectorized && plan.windows != nullptr) {
     for (; x + kLanes <= plan.count; x += kLanes) {
@@ -120,7 +120,7 @@ ZAVRI_INLINE U8 mix_vector(const int16_t* const* rows, const int16_t* weights, s
 
 template <Scheme kScheme>
 void mix(const int16_t* const* rows_in, const int16_t* weights_in, size_t count, uint8_t* to) {
-  const int16_t* rows[taps_of(kScheme)];  // copies that no store can alias
+  const int16_t* rows[taps_of(kScheme)];  // no store can alias these copies
   int16_t weights[taps_of(kScheme)];
   for (int j = 0; j < taps_of(kScheme); ++j) {
     rows[j] = rows_in[j];

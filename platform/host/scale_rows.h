@@ -40,14 +40,15 @@ struct RowPlan {
   const uint32_t* first;
   const int16_t* weights[4];
 
-  // These say the same as lookups. They are null unless kWindow or more source samples are
-  // enlarged. The samples 8g .. 8g + 7 need only the kWindow bytes from source[windows[g]] on.
-  // Therein the low and the high byte of pairs[x] are the places of the first two taps of sample x;
-  // the other two taps of a spline are two bytes further.
+  // `windows`, `pairs` and `pair_weights` say the same as lookups. They are null where there are
+  // fewer than kWindow source samples or fewer results than source samples. The samples 8g to
+  // 8g + 7 need only the kWindow bytes from source[windows[g]] on. In this window, the low and the
+  // high byte of pairs[x] are the places of the first two taps of sample x; the other two taps of a
+  // spline are two bytes further.
   const uint32_t* windows;
   const uint16_t* pairs;
-  // The linear weights of these two taps, in the low and the high byte. Where a weight is 256, both
-  // bytes are 128 and both places the same.
+  // The low and the high byte are the linear weights of the two taps in `pairs`. Where a weight is
+  // 256, both bytes are 128 and both places the same.
   const uint16_t* pair_weights;
 };
 

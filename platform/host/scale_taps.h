@@ -59,7 +59,7 @@ class LinearTaps {
   static constexpr uint32_t kCount = 2;
   static constexpr int kMostBits = 8;
 
-  // The least number of bits for which no weight is rounded, but at most kMostBits.
+  // Returns the least number of bits for which no weight is rounded, but at most kMostBits.
   static int bits_needed(uint32_t from, uint32_t to);
 
   LinearTaps(uint32_t from, uint32_t to, int bits)
