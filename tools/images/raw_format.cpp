@@ -208,7 +208,7 @@ bool has_raw_size(const std::string& path, const RawOptions& options) {
 }
 
 std::string name_without_size(const std::string& path) {
-  const std::string name = std::filesystem::path(path).stem();
+  std::string name = std::filesystem::path(path).stem();
   const size_t at = name.rfind('_');
   if (at == std::string::npos) return name;
   const std::string size = size_at(name, at + 1);
