@@ -2,26 +2,21 @@
 
 #include <filesystem>
 #include <map>
-#include <regex>
 
 #include "tools/error.h"
+#include "tools/images/raw_format.h"
 
 namespace zavri::tools {
 namespace {
 
 namespace fs = std::filesystem;
 
-std::string name_of(const fs::path& path) {
-  static const std::regex size("_[0-9]+x[0-9]+$");
-  return std::regex_replace(path.stem().string(), size, "");
-}
-
 // Throws an Error where two files have one name.
 std::map<std::string, std::string> files_by_name(const std::string& folder) {
   std::map<std::string, std::string> files;
   for (const auto& entry : fs::directory_iterator(folder)) {
     if (!entry.is_regular_file()) continue;
-    const auto [other, added] = files.insert({name_of(entry.path()), entry.path()});
+    const auto [other, added] = files.insert({name_without_size(entry.path()), entry.path()});
     if (!added) throw Error(folder + ": two files are called " + other->first);
   }
   return files;

@@ -207,6 +207,14 @@ bool has_raw_size(const std::string& path, const RawOptions& options) {
   return !options.size.empty() || !size_in_name(path).empty();
 }
 
+std::string name_without_size(const std::string& path) {
+  std::string name = std::filesystem::path(path).stem();
+  const size_t at = name.rfind('_');
+  if (at == std::string::npos) return name;
+  const std::string size = size_at(name, at + 1);
+  return !size.empty() && at + 1 + size.size() == name.size() ? name.substr(0, at) : name;
+}
+
 std::pair<int, int> parse_size(const std::string& text, const std::string& argument) {
   int width = 0;
   int height = 0;

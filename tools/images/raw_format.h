@@ -45,6 +45,9 @@ bool has_raw_extension(const std::string& path);
 // Whether the name or the options carry a size.
 bool has_raw_size(const std::string& path, const RawOptions& options);
 
+// The file's name without its extension and a size behind it: frame0 of a/frame0_4000x3000.nv12.
+std::string name_without_size(const std::string& path);
+
 // "4000x2250" as two even positive numbers; `argument` is named in the error.
 std::pair<int, int> parse_size(const std::string& text, const std::string& argument);
 

@@ -1,8 +1,10 @@
 #include "tools/sensor/burst.h"
 
 #include <algorithm>
+#include <cstring>
 #include <filesystem>
-#include <regex>
+
+#include "tools/images/raw_format.h"
 
 namespace zavri::tools {
 namespace {
@@ -22,6 +24,17 @@ Picture middle_of(const Picture& photograph) {
     std::copy_n(&photograph.rgb[3 * at], row_bytes, &middle.rgb[y * row_bytes]);
   }
   return middle;
+}
+
+// Whether name_frames() or name_mask() make such a name.
+bool is_of_burst(const std::filesystem::path& path) {
+  const std::string name = name_without_size(path);
+  const std::string extension = path.extension();
+  if (name == path.stem()) return false;
+  if (extension == ".png") return name == "mask";
+  const bool is_frame = name.size() == strlen("frame0") && name.compare(0, 5, "frame") == 0 &&
+                        name.back() >= '0' && name.back() <= '9';
+  return (extension == ".nv12" || extension == ".nv21") && (is_frame || name == "clean");
 }
 
 }  // namespace
@@ -59,12 +72,10 @@ std::string name_mask(const BurstFrames& burst, const std::string& folder) {
 }
 
 std::vector<std::string> burst_files(const std::string& folder) {
-  static const std::regex name(
-      R"((clean|frame[0-9])_[0-9]+x[0-9]+\.nv(12|21)|mask_[0-9]+x[0-9]+\.png)");
   std::vector<std::string> paths;
   std::error_code error;
   for (const auto& entry : std::filesystem::directory_iterator(folder, error)) {
-    if (std::regex_match(entry.path().filename().string(), name)) paths.push_back(entry.path());
+    if (is_of_burst(entry.path())) paths.push_back(entry.path());
   }
   std::sort(paths.begin(), paths.end());
   return paths;
