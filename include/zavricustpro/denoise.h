@@ -19,8 +19,9 @@ typedef struct tagT_GainThreshPoint {
  *   frame_y[k]               -> luma,   `height` rows,   `y_stride` bytes apart
  *   frame_y[k] + uv_offset   -> chroma, `height`/2 rows, `uv_stride` bytes apart
  *
- * The strides are at least `width` (rounded up to even). The reference frame is worked in place,
- * the others are only read.
+ * The strides are at least `width` (rounded up to even). Edges of 2 or 3 frames and smoothing count
+ * columns, rows and strides in 16 bits: width, height and strides below 32768 are safe for both.
+ * The reference frame is worked in place, the others are only read.
  *
  * What is merged. A (U, V) pair of another frame agrees when U and V both differ from the
  * reference's by less than a threshold t. The pair becomes the rounded mean of the reference and of
@@ -60,7 +61,8 @@ typedef struct tagT_GainThreshPoint {
  *   threshold    0    6   16   20
  *
  * Then either value is scaled by the frame's size. The percentage runs on lines through these
- * points of `width` * `height` in whole megapixels, which are below 256:
+ * points of `width` * `height` in whole megapixels. That number wraps at 256, so that a frame of
+ * 257 megapixels is scaled as one of 1:
  *
  *   megapixels   1    3    5    8   13   16   20 and more
  *   percent      0   30   45   75   85   90  100
@@ -80,7 +82,8 @@ typedef struct tagT_GainThreshPoint {
  */
 typedef struct tagT_3DYuvDenoiseParam {
   uint8_t ref_index; /* the frame that is denoised, 0..3 */
-  uint8_t frame_num; /* how many frames there are, 1..4; other values do nothing */
+  uint8_t frame_num; /* how many frames there are, 1..4; with other values the call derives the
+                        thresholds and leaves the frames as they are */
   uint8_t switch_a;  /* switches count as set when they are not 0 */
   uint8_t switch_b;
   uint8_t switch_c;

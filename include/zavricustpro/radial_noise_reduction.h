@@ -17,7 +17,8 @@ extern "C" {
  *
  * Up to min(width, height) / 4 - 1 pixels from the centre nothing is blurred. From there the blur
  * grows with the squared distance, until that is `radius_percent` of a corner's. Beyond, a pixel
- * moves `strength_percent` of the way to its blurred value, and from 95 % on the whole way.
+ * moves `strength_percent`, 0..100, of the way to its blurred value, and from 95 % on the whole
+ * way.
  *
  * Squared distances are counted in 32 bits. With C = (width / 2)^2 + (height / 2)^2, a corner's, F
  * the smaller of C and C * radius_percent / 100, and r = min(width, height) / 4 - 1: sides must be
