@@ -181,10 +181,13 @@ void Output::declare(Options& settings) {
   settings.add(word("o", path, "OUT", "result, by its extension; - for Y4M on stdout"), true);
 }
 
-void Output::prepare(Console& console) const {
-  check_output(path, console.force);
+void prepare_output(const std::string& path, Console& console,
+                    void (*check)(const std::string& path, bool force)) {
+  check(path, console.force);
   if (path == "-") console.give_stdout_away();
 }
+
+void Output::prepare(Console& console) const { prepare_output(path, console, check_output); }
 
 void declare_sensor(Options& options, Sensor& sensor, int64_t& seed) {
   options.add(

@@ -73,12 +73,17 @@ struct Input {
   void declare_raw(Options& settings);
 };
 
+// Prepares an output before the work: `check` throws unless the file can be written and nothing is
+// overwritten, and a file that goes to stdout keeps reports away from there.
+void prepare_output(const std::string& path, Console& console,
+                    void (*check)(const std::string& path, bool force));
+
 // The frame that a command writes.
 struct Output {
   std::string path;
 
   void declare(Options& settings);
-  // Before the work: throws unless the output can be written and nothing is overwritten.
+  // Does prepare_output() with check_output().
   void prepare(Console& console) const;
 };
 

@@ -20,11 +20,7 @@ class Noise : public Command {
   }
 
   int run(Console& console) override {
-    if (!output_.empty()) {
-      check_overwrite(output_, console.force);
-      check_folder_of(output_);
-      if (output_ == "-") console.give_stdout_away();
-    }
+    if (!output_.empty()) prepare_output(output_, console, check_file);
     constexpr int kMostFrames = 64;
     const std::vector<Frame> frames = load_frames(input_.paths, input_.options, kMostFrames);
     const NoiseFit fit = fit_noise(frames);

@@ -182,8 +182,7 @@ void check_output(const std::string& path, bool force) {
   if (path != "-" && !is_output_extension(extension_of(path))) {
     throw Error(path + ": an output ends in " + output_extensions());
   }
-  check_folder_of(path);
-  check_overwrite(path, force);
+  check_file(path, force);
 }
 
 void save(const Frame& frame, const std::string& path) { save_as(frame, path); }

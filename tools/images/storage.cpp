@@ -86,19 +86,16 @@ Bytes read_file(const std::string& path) {
   return bytes;
 }
 
-void check_overwrite(const std::string& path, bool force) {
-  std::error_code error;
-  if (path == "-" || !fs::exists(path, error)) return;
-  if (fs::is_directory(path, error)) throw Error(path + ": is a folder; name a file");
-  if (!force) throw Error(path + ": exists; --force overwrites it");
-}
-
-void check_folder_of(const std::string& path) {
+void check_file(const std::string& path, bool force) {
   if (path == "-") return;
   const fs::path folder = fs::path(target_of(path)).parent_path();
   std::error_code error;
-  if (folder.empty() || fs::is_directory(folder, error)) return;
-  throw Error(path + ": there is no folder " + folder.string());
+  if (!folder.empty() && !fs::is_directory(folder, error)) {
+    throw Error(path + ": there is no folder " + folder.string());
+  }
+  if (!fs::exists(path, error)) return;
+  if (fs::is_directory(path, error)) throw Error(path + ": is a folder; name a file");
+  if (!force) throw Error(path + ": exists; --force overwrites it");
 }
 
 void make_folder(const std::string& folder) {

@@ -11,11 +11,9 @@ using Bytes = std::vector<uint8_t>;
 // All of these throw an Error that names the path. "-" is stdin and stdout.
 Bytes read_file(const std::string& path);
 
-// Throws when `path` exists and `force` is not set. Call it before the work that makes the output.
-void check_overwrite(const std::string& path, bool force);
-
-// Throws unless the folder that is to hold `path` exists.
-void check_folder_of(const std::string& path);
+// Throws unless the folder that is to hold `path` exists, and when `path` exists and `force` is not
+// set. Call it before the work that makes the file.
+void check_file(const std::string& path, bool force);
 
 // Creates the folder, and those above it, if it is missing.
 void make_folder(const std::string& folder);
