@@ -116,7 +116,8 @@ function options(plot, rows, width) {
     axes: [axis(plot.x, 34, bars ? () => rows.map(row => row.x) : undefined), axis(plot.y, 52)],
     padding: [12, 16, 0, 0],
     legend: {show: !bars, markers: {width: 0, fill: (u, s) => u.series[s].stroke()}},
-    cursor: {drag: {x: false, y: false}, dataIdx: marks.includes('points') ? nearest : undefined},
+    cursor: {drag: {x: false, y: false}, dataIdx: marks.includes('points') ? nearest : undefined,
+             points: {fill: (u, s) => u.series[s].stroke()}},
     // The legend of a point tells both of its numbers.
     series: [{label: plot.x.label, class: marks.includes('points') ? 'hidden' : undefined,
               value: (u, value) => value == null ? '' : with_unit(short(value), plot.x.unit)}],
