@@ -31,7 +31,7 @@ void count(const std::string& operation, size_t pixels, const std::function<void
 // `picture` is a frame of kWidth x kHeight without padding.
 void count_denoise();
 void count_resize(const Bytes& picture);
-void count_radial(const Bytes& picture);
+void count_rnr(const Bytes& picture);
 void count_composition(const Bytes& picture);
 void count_measures(const Bytes& picture);
 

@@ -9,7 +9,7 @@ int main() {
   count_denoise();
   const Bytes picture = run_plane(kWidth, kHeight * 3 / 2, Runs::kShort);
   count_resize(picture);
-  count_radial(picture);
+  count_rnr(picture);
   count_composition(picture);
   count_measures(picture);
 }

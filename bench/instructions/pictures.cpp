@@ -68,7 +68,7 @@ void count_resize(const Bytes& source) {
   }
 }
 
-void count_radial(const Bytes& picture) {
+void count_rnr(const Bytes& picture) {
   const Bytes pristine(picture.begin(), picture.begin() + kPixels);
   Bytes plane = pristine;
   zavri_mp_RNR_init_base(kWidth, kHeight, kWidth, 100, 80);
@@ -78,13 +78,13 @@ void count_radial(const Bytes& picture) {
   const auto process_tiles = [&] {
     for (uint32_t k = 0; k < kTiles; ++k) zavri_mp_RNR_process_inner(&k, plane.data());
   };
-  count("radial/tiles", kPixels, restore_plane, process_tiles, plane);
+  count("rnr/tiles", kPixels, restore_plane, process_tiles, plane);
 
   Bytes blurred(kPixels);
   const auto blur = [&] {
     fcvFilterGaussian5x5u8(pristine.data(), kWidth, kHeight, blurred.data(), 1);
   };
-  count("radial/gaussian", kPixels, blur, blurred);
+  count("rnr/gaussian", kPixels, blur, blurred);
 
   Bytes weights(kPixels);  // on either side of kBlurAlone
   for (size_t i = 0; i < kPixels; ++i) weights[i] = i % (kWholeWeight + 1);
@@ -92,7 +92,7 @@ void count_radial(const Bytes& picture) {
   const auto blend = [&] {
     kernel(plane.data(), pristine.data(), blurred.data(), weights.data(), kPixels);
   };
-  count("radial/blend", kPixels, blend, plane);
+  count("rnr/blend", kPixels, blend, plane);
 }
 
 void count_composition(const Bytes& picture) {
