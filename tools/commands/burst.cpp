@@ -40,9 +40,7 @@ class Burst : public Command {
   int run(Console& console) override {
     check();
     const std::vector<std::string> older = burst_files(folder_);
-    if (!older.empty() && !console.force) {
-      throw Error(older.front() + ": exists; --force replaces the burst in its folder");
-    }
+    for (const std::string& path : older) prepare_output(path, console, check_output);
     const Picture photograph = load_picture(photograph_);
     console.progress("making " + std::to_string(settings_.frames) + " noisy frames");
     const BurstFrames burst = make_burst(photograph, settings_);

@@ -23,7 +23,8 @@ struct Part {
   int x, y, width, height;
 };
 
-// The samples of a part without padding stand one after the other.
+// The sum of the differences from sample to sample of the luma. A part has no padding, so that its
+// samples stand one after the other.
 int64_t detail(const Frame& part) {
   const uint8_t* const luma = part.luma_row(0);
   const auto count = static_cast<int64_t>(part.width()) * part.height();
@@ -32,7 +33,7 @@ int64_t detail(const Frame& part) {
   return sum;
 }
 
-// Noise shows best where it hides neither in detail nor in the dark or bright.
+// Is highest where noise shows best, where it hides neither in detail nor in the dark or bright.
 int64_t evenness(const Frame& part) {
   constexpr int64_t kDark = 64;
   constexpr int64_t kBright = 160;
@@ -43,7 +44,7 @@ int64_t evenness(const Frame& part) {
   return -detail(part) - (middle ? 0 : 255 * count);
 }
 
-// The part with the highest score(part).
+// Finds the part with the highest score(part) among squares that overlap by half.
 template <class Score>
 Part best_part(const Frame& frame, Score score) {
   Part part{0, 0, std::min(kCropSide, frame.width()), std::min(kCropSide, frame.height())};
@@ -60,7 +61,8 @@ Part best_part(const Frame& frame, Score score) {
   return best;
 }
 
-// The same parts of several frames at their own size: a column for each frame, a row for each part.
+// Shows the same parts of several frames at their own size: each frame has a column and each part a
+// row.
 Picture side_by_side(const std::vector<const Frame*>& frames, const std::vector<Part>& parts) {
   const int width = parts.front().width;
   const int height = parts.front().height;
@@ -114,8 +116,8 @@ class Demo : public Command {
 
  private:
   void find_photograph();
-  // Throws unless all that is to be written can be.
-  void prepare(const std::vector<NamedFrame>& raw, const Console& console) const;
+  // Throws an Error unless all files of the demo can be written.
+  void prepare(const std::vector<NamedFrame>& raw, Console& console) const;
   void write(const BurstFrames& burst, const Frame& before, const Frame& after) const;
 
   std::string photograph_;
@@ -134,12 +136,14 @@ void Demo::find_photograph() {
   photograph_ = kDefaultPhotograph;
 }
 
-void Demo::prepare(const std::vector<NamedFrame>& raw, const Console& console) const {
+void Demo::prepare(const std::vector<NamedFrame>& raw, Console& console) const {
   make_folder(folder_);
-  std::vector<std::string> pictures = further_pictures();
-  pictures.insert(pictures.end(), {"before.png", "after.png", "crop.png"});
-  for (const std::string& name : pictures) check_output(folder_ + '/' + name, console.force);
-  for (const NamedFrame& frame : raw) check_output(frame.path, console.force);
+  std::vector<std::string> paths;
+  for (const std::string& name : further_pictures()) paths.push_back(folder_ + '/' + name);
+  for (const char* name : {"/before.png", "/after.png", "/crop.png"})
+    paths.push_back(folder_ + name);
+  for (const NamedFrame& frame : raw) paths.push_back(frame.path);
+  for (const std::string& path : paths) prepare_output(path, console, check_output);
 }
 
 void Demo::write(const BurstFrames& burst, const Frame& before, const Frame& after) const {

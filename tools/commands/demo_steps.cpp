@@ -14,9 +14,8 @@
 namespace zavri::tools {
 namespace {
 
-constexpr int kResizeWidth = 1920;  // of the part that is enlarged, at most
-constexpr int kResizeHeight = 1080;
-constexpr int kBand = 64;  // between the two frames of the composition
+constexpr Size kMostEnlarged = {1920, 1080};
+constexpr int kBand = 64;  // columns between the two frames of the composition
 
 std::string psnr(const PlaneDifference& plane) {
   return std::isinf(plane.psnr) ? "inf" : decimals(plane.psnr, 2).dump();
@@ -26,17 +25,17 @@ std::string luma_psnr(const Frame& clean, const Frame& frame) {
   return psnr(compare(clean, frame).front());
 }
 
-// Whether the operation takes so many frames of this size with these settings.
-bool takes(const Operation& operation, const Frame& frame, int frames = 1) {
+// Tells whether the operation takes so many frames of this size with these settings.
+bool takes(const Operation& operation, const Size& size, int frames = 1) {
   try {
-    operation.check(size_of(frame), frames);
+    operation.check(size, frames);
   } catch (const Error&) {
     return false;
   }
   return true;
 }
 
-// Writes the picture of an operation and makes its row.
+// Writes the picture of an operation and makes its row of the table.
 Report told(const DemoFrames& demo, const std::string& operation, const Result& result,
             const std::string& outcome) {
   const std::string picture = operation + ".png";
@@ -47,7 +46,8 @@ Report told(const DemoFrames& demo, const std::string& operation, const Result& 
           {"outcome", outcome}};
 }
 
-// The mean of four samples of one kind, which stand `step` bytes apart, for each of `width` bytes.
+// Fills `width` bytes with means of four samples of one kind, which stand `step` bytes apart: 1 in
+// luma, 2 in pairs of chroma.
 void halve_row(const uint8_t* upper, const uint8_t* lower, uint8_t* half, int width, int step) {
   for (int x = 0; x < width; ++x) {
     const int at = x / step * 2 * step + x % step;
@@ -68,20 +68,39 @@ Frame halved(const Frame& frame) {
   return half;
 }
 
-// A part of the denoised frame, enlarged to twice its size; and what enlarging brings back of the
-// clean one that was halved.
+// The largest part of a frame whose half is as exact: the library's strips are alike where both
+// heights are multiples of 8.
+Size whole_strips(const Size& size) { return {size.width / 4 * 4, size.height / 16 * 16}; }
+
+Size enlarged_part(const Frame& frame) {
+  const Size size = whole_strips(size_of(frame));
+  return {std::min(kMostEnlarged.width, size.width), std::min(kMostEnlarged.height, size.height)};
+}
+
+Resize resize_of_demo(const Size& part) {
+  Resize resize;
+  resize.to = {2 * part.width, 2 * part.height};
+  return resize;
+}
+
+bool takes_resize(const Frame& frame) {
+  const Size part = enlarged_part(frame);
+  return part.height > 0 && takes(resize_of_demo(part), part);
+}
+
+// Enlarges the middle of the denoised frame to twice its size, and tells how much of the clean
+// frame comes back when its half is enlarged.
 Report enlarge(const DemoFrames& demo) {
   const Frame& clean = demo.clean;
-  const int width = std::min(kResizeWidth, clean.width() / 4 * 4);
-  const int height = std::min(kResizeHeight, clean.height() / 16 * 16);
-  const Frame middle = demo.denoised.crop((clean.width() - width) / 4 * 2,
-                                          (clean.height() - height) / 4 * 2, width, height);
-  Resize resize;
-  resize.to = {2 * width, 2 * height};
+  const Size part = enlarged_part(clean);
+  const Frame middle =
+      demo.denoised.crop((clean.width() - part.width) / 4 * 2,
+                         (clean.height() - part.height) / 4 * 2, part.width, part.height);
+  Resize resize = resize_of_demo(part);
   const Result twice = resize.run({middle}, demo.runs);
-  const Frame whole = clean.crop(0, 0, clean.width() / 4 * 4, clean.height() / 16 * 16);
+  resize.to = whole_strips(size_of(clean));
+  const Frame whole = clean.crop(0, 0, resize.to.width, resize.to.height);
   const Frame half = halved(whole);
-  resize.to = size_of(whole);
   const std::string poly = luma_psnr(whole, resize.run({half}).frame);
   resize.scaling = Scaling::kBilinear;
   const std::string bilinear = luma_psnr(whole, resize.run({half}).frame);
@@ -90,18 +109,15 @@ Report enlarge(const DemoFrames& demo) {
                   ", bilinear " + bilinear);
 }
 
-// One strip of the enlarged part has 2 rows at least.
-bool takes_resize(const Frame& frame) { return frame.width() >= 4 && frame.height() >= 16; }
-
 Chroma chroma_of_demo() {
   Chroma chroma;
   chroma.taps = 7;
   return chroma;
 }
 
-bool takes_chroma(const Frame& frame) { return takes(chroma_of_demo(), frame); }
+bool takes_chroma(const Frame& frame) { return takes(chroma_of_demo(), size_of(frame)); }
 
-// The chroma denoise of the noisy frame alone.
+// Denoises the chroma of the noisy frame alone.
 Report filter_chroma(const DemoFrames& demo) {
   const Result result = chroma_of_demo().run({demo.noisy}, demo.runs);
   const auto of_both = [&](const Frame& frame) {
@@ -112,17 +128,18 @@ Report filter_chroma(const DemoFrames& demo) {
               "PSNR of U and V " + of_both(demo.noisy) + " to " + of_both(result.frame));
 }
 
-bool takes_rnr(const Frame& frame) { return takes(Rnr(), frame); }
+bool takes_rnr(const Frame& frame) { return takes(Rnr(), size_of(frame)); }
 
-// The blur that grows from the centre outwards, on the noisy frame.
-Report blur_radially(const DemoFrames& demo) {
+// Blurs the luma of the noisy frame, the more the farther from the centre.
+Report run_rnr(const DemoFrames& demo) {
   const Result result = Rnr().run({demo.noisy}, demo.runs);
   return told(demo, "rnr", result,
               "luma PSNR " + luma_psnr(demo.clean, demo.noisy) + " to " +
                   luma_psnr(demo.clean, result.frame));
 }
 
-// Exact for a height that is a multiple of 8, and a band that leaves a multiple of 4 of the width.
+// The picture is exact where the height is a multiple of 8, as upper() leaves it, and where the
+// band leaves a multiple of 4 of the width.
 Compose compose_of_demo(const Frame& frame) {
   Compose compose;
   compose.padding = kBand + frame.width() % 4;
@@ -131,13 +148,13 @@ Compose compose_of_demo(const Frame& frame) {
 
 Frame upper(const Frame& frame) { return frame.crop(0, 0, frame.width(), frame.height() / 8 * 8); }
 
-// The band is not to be the larger part.
+// Leaves narrow frames out, of which the band would be the larger part.
 bool takes_compose(const Frame& frame) {
   return frame.height() >= 8 && frame.width() >= 2 * kBand &&
-         takes(compose_of_demo(frame), frame, 2);
+         takes(compose_of_demo(frame), size_of(frame), 2);
 }
 
-// Before and after in one frame.
+// Puts before and after side by side in one frame.
 Report compose_both(const DemoFrames& demo) {
   const Result result =
       compose_of_demo(demo.noisy).run({upper(demo.noisy), upper(demo.denoised)}, demo.runs);
@@ -151,7 +168,7 @@ struct DemoStep {
 };
 constexpr DemoStep kSteps[] = {{"resize.png", takes_resize, enlarge},
                                {"chroma.png", takes_chroma, filter_chroma},
-                               {"rnr.png", takes_rnr, blur_radially},
+                               {"rnr.png", takes_rnr, run_rnr},
                                {"compose.png", takes_compose, compose_both}};
 
 }  // namespace

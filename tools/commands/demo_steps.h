@@ -8,16 +8,16 @@
 
 namespace zavri::tools {
 
-// What the demo has when the burst is denoised.
+// The demo has these when the burst is denoised.
 struct DemoFrames {
   const Frame& clean;
   const Frame& noisy;
   const Frame& denoised;
   std::string folder;  // with its slash
-  int runs;            // of which the median is told
+  int runs;            // of each operation, whose median is told
 };
 
-// The pictures that further_operations() may write.
+// Names the pictures that further_operations() may write.
 std::vector<std::string> further_pictures();
 
 // Runs the operations besides the multi-frame denoise, writes a picture of each and tells, a row
