@@ -113,5 +113,26 @@ TEST_F(Zavri, WhatTheLibraryCannotDoIsStatusThree) {
   }
 }
 
+// Sanitizers need more address space than the limit leaves; nothing is tried there.
+TEST_F(Zavri, LimitsOfTheSystemAreToldLikeBadInput) {
+  save(gradient(640, 480), path("photo.png"));
+  std::ofstream(path("vast.nv12")).flush();
+  std::filesystem::resize_file(path("vast.nv12"), 1536000000);
+  const std::vector<std::string> before = files();
+  const auto limited = [&](const std::string& limit, const std::string& arguments) {
+    return run_command("ulimit " + limit + "; " ZAVRI_COMMAND " " + arguments);
+  };
+  const Outcome file = limited("-f 64", "view photo.png -o out.nv12");
+  EXPECT_EQ(file.status, kBadInput);
+  EXPECT_EQ(file.err, "zavri: out.nv12: cannot be written: File too large\n");
+  if (limited("-v 800000", "--version").status == kDone) {
+    const Outcome memory = limited("-v 800000", "view vast.nv12 --size 32000x32000 -o out.png");
+    EXPECT_EQ(memory.status, kBadInput);
+    EXPECT_NE(memory.err.find("vast.nv12: there is not enough memory"), std::string::npos)
+        << memory.err;
+  }
+  EXPECT_EQ(files(), before);
+}
+
 }  // namespace
 }  // namespace zavri::tools

@@ -24,6 +24,7 @@ add_executable(zavri_program_test
   zavri_layout_test.cpp
   zavri_score_test.cpp
   zavri_test.cpp
+  zavri_tuning_test.cpp
   support/pictures.cpp
   support/program.cpp)
 target_link_libraries(zavri_program_test PRIVATE zavri_sensor zavricustpro GTest::gtest_main)
@@ -37,3 +38,10 @@ if(ZAVRI_SANITIZE MATCHES "thread")
 endif()
 gtest_discover_tests(zavri_program_test DISCOVERY_TIMEOUT 60
   PROPERTIES ENVIRONMENT ${test_environment})
+if(NOT ZAVRI_SANITIZE AND NOT CMAKE_CROSSCOMPILING)
+  add_test(NAME readme_examples
+    COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/examples_test.sh $<TARGET_FILE:zavri>
+            ${PROJECT_SOURCE_DIR}/README.md
+            /usr/share/backgrounds/seeding_by_Clements_Engelhardt.jpg)
+  set_tests_properties(readme_examples PROPERTIES SKIP_RETURN_CODE 77)
+endif()

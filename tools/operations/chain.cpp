@@ -59,19 +59,27 @@ const Setting& setting_named(const Settings& settings, const std::string& name,
   return *found;
 }
 
-void set_values(Operation& operation, const std::vector<std::string>& values,
+// A part without a name goes on with the list that the named one before it began:
+// "20,thresh-luma-table=10:0,11:6" is 20 and the table.
+void set_values(Operation& operation, const std::vector<std::string>& parts,
                 const std::string& usage) {
   const Settings settings = operation.settings();
-  for (size_t i = 0; i < values.size(); ++i) {
-    const size_t equals = values[i].find('=');
-    if (equals == std::string::npos) {
+  const Setting* named = nullptr;
+  std::string value;
+  for (size_t i = 0; i < parts.size(); ++i) {
+    const size_t equals = parts[i].find('=');
+    if (equals != std::string::npos) {
+      if (named != nullptr) named->set(value);
+      named = &setting_named(settings, parts[i].substr(0, equals), usage);
+      value = parts[i].substr(equals + 1);
+    } else if (named != nullptr) {
+      value += ',' + parts[i];
+    } else {
       if (i >= settings.size()) throw Error("too much for " + usage);
-      if (!values[i].empty()) settings[i].set(values[i]);
-      continue;
+      if (!parts[i].empty()) settings[i].set(parts[i]);
     }
-    const std::string name = values[i].substr(0, equals);
-    setting_named(settings, name, usage).set(values[i].substr(equals + 1));
   }
+  if (named != nullptr) named->set(value);
 }
 
 // Whether it makes one frame of several, as opposed to one of each.

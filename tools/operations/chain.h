@@ -10,7 +10,7 @@
 namespace zavri::tools {
 
 // An operation with the settings of its text, "NAME" or "NAME:VALUE,VALUE,setting=VALUE": values
-// without a name belong to the settings in the order of the operation's table.
+// without a name come first and belong to the settings in the order of the operation's table.
 struct Step {
   std::string text;
   std::unique_ptr<Operation> operation;

@@ -4,10 +4,12 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 #include <sstream>
 
 #include "tools/error.h"
 #include "tools/images/storage.h"
+#include "tools/operations/tables.h"
 
 namespace zavri::tools {
 namespace {
@@ -49,12 +51,20 @@ int parse_weight(const std::string& text, const std::string& path) {
   return static_cast<int>(*weight);
 }
 
-// The numbers of a text file: the weights of the differences 0, 1, 2 ..
+// The weights of the differences 0, 1, 2 .., as numbers with blanks between them, or as a list in
+// JSON or C.
 std::vector<int> read_weights(const std::string& path) {
   const Bytes bytes = read_file(path);
-  std::istringstream text(std::string(bytes.begin(), bytes.end()));
+  const std::string text(bytes.begin(), bytes.end());
+  const Report list = list_in(text, kWeightTable);
+  std::istringstream numbers(text);
+  std::vector<std::string> words{std::istream_iterator<std::string>(numbers), {}};
+  if (list.is_array()) {
+    words.clear();
+    for (const Report& item : list) words.push_back(item.dump());
+  }
   std::vector<int> weights;
-  for (std::string number; text >> number;) weights.push_back(parse_weight(number, path));
+  for (const std::string& word : words) weights.push_back(parse_weight(word, path));
   if (weights.empty()) throw Error(path + ": there are no weights in it");
   return weights;
 }

@@ -2,6 +2,8 @@
 
 #include <zavricustpro.h>
 
+#include <algorithm>
+
 #include "tools/error.h"
 
 namespace zavri::tools {
@@ -9,7 +11,9 @@ namespace {
 
 constexpr int kEdgeGainEnd = 16;
 
-T_3DYuvDenoiseParam record_of(const Denoise& denoise, const Frame& reference, size_t frames) {
+// Without the frames.
+T_3DYuvDenoiseParam record_of(const Denoise& denoise, const Size& size, size_t stride,
+                              size_t frames) {
   T_3DYuvDenoiseParam param{};
   param.ref_index = static_cast<uint8_t>(denoise.reference);
   param.frame_num = static_cast<uint8_t>(frames);
@@ -19,11 +23,15 @@ T_3DYuvDenoiseParam record_of(const Denoise& denoise, const Frame& reference, si
   param.switch_d = denoise.smooth;
   param.thresh_tune = 1;
   param.gain = static_cast<uint8_t>(denoise.gain);
-  param.width = static_cast<uint32_t>(reference.width());
-  param.height = static_cast<uint32_t>(reference.height());
-  param.y_stride = param.uv_stride = static_cast<uint32_t>(reference.layout().stride);
+  param.width = static_cast<uint32_t>(size.width);
+  param.height = static_cast<uint32_t>(size.height);
+  param.y_stride = param.uv_stride = static_cast<uint32_t>(stride);
   param.thresh = static_cast<uint8_t>(denoise.thresh);
+  param.thresh_table = denoise.curve.data();
+  param.thresh_table_len = static_cast<uint8_t>(denoise.curve.size());
   param.threshY = static_cast<uint8_t>(denoise.thresh_luma);
+  param.threshY_table = denoise.curve_luma.data();
+  param.threshY_table_len = static_cast<uint8_t>(denoise.curve_luma.size());
   return param;
 }
 
@@ -75,25 +83,37 @@ std::vector<std::string> remarks_on(const Denoise& denoise, const T_3DYuvDenoise
 }  // namespace
 
 Settings Denoise::settings() {
-  return {or_auto(whole_number("thresh", thresh, 1, 100, "of chroma, scaled by the frame's size"),
-                  thresh),
-          or_auto(whole_number("thresh-luma", thresh_luma, 1, 100, "of luma, scaled likewise"),
-                  thresh_luma),
-          choice<Merge>("mode", merge,
-                        {{"whole", Merge::kWhole},
-                         {"edges", Merge::kEdges},
-                         {"edges-luma", Merge::kEdgesLuma},
-                         {"chroma", Merge::kChroma}},
-                        "what is merged, the edges only for a gain below 16"),
-          whole_number("gain", gain, 0, 255, "sensor gain of the record"),
-          whole_number("ref", reference, 0, 3, "index of the frame that is denoised"),
-          flag("smooth", smooth, "smooth the chroma afterwards")};
+  return {
+      or_auto(whole_number("thresh", thresh, 1, 100, "of chroma, scaled by the frame's size"),
+              thresh),
+      or_auto(whole_number("thresh-luma", thresh_luma, 1, 100, "of luma, scaled likewise"),
+              thresh_luma),
+      choice<Merge>("mode", merge,
+                    {{"whole", Merge::kWhole},
+                     {"edges", Merge::kEdges},
+                     {"edges-luma", Merge::kEdgesLuma},
+                     {"chroma", Merge::kChroma}},
+                    "what is merged, the edges only for a gain below 16"),
+      whole_number("gain", gain, 0, 255, "sensor gain of the record"),
+      whole_number("ref", reference, 0, 3, "index of the frame that is denoised"),
+      flag("smooth", smooth, "smooth the chroma afterwards"),
+      curve_setting("thresh-table", curve, kThreshTable,
+                    "chroma thresholds by gain, for --thresh auto; a file holds them in JSON "
+                    "or as an initialiser in C"),
+      curve_setting("thresh-luma-table", curve_luma, kThreshLumaTable, "luma thresholds likewise")};
 }
 
 Settings Smooth::settings() { return {Denoise::settings().front()}; }
 
 void Denoise::check(const Size&, int frames) const {
   check_count(frames);
+  const auto check_curve = [](const char* name, const Curve& points, int request) {
+    if (points.empty() || request == 0) return;
+    throw Error("--" + std::string(name) + "-table: needs --" + name +
+                " auto; the library would take " + std::to_string(request) + " instead");
+  };
+  check_curve("thresh", curve, thresh);
+  check_curve("thresh-luma", curve_luma, thresh_luma);
   if (reference >= frames) {
     throw Error("--ref " + std::to_string(reference) + ": below the number of frames, " +
                 std::to_string(frames));
@@ -104,29 +124,52 @@ void Denoise::check(const Size&, int frames) const {
 }
 
 Result Denoise::run(const Frames& frames, int runs) const {
-  check(size_of(frames.front()), static_cast<int>(frames.size()));
-  expect_one_size(frames);
-  const auto worked = static_cast<size_t>(reference);
-  Result result;
-  result.frame = frames[worked];
-  const T_3DYuvDenoiseParam asked = record_of(*this, result.frame, frames.size());
-  const Room room{zavri_room_denoise_luma(&asked), 0, zavri_room_denoise_chroma(&asked)};
-  Frames copies;
-  for (const Frame& frame : frames) copies.push_back(roomy_copy(frame, result.frame, room));
+  DenoiseRuns copies(frames);
+  Result result = copies.run(*this, runs);
+  result.frame = frames[static_cast<size_t>(reference)];
+  copy_picture(copies.merged(), result.frame);
+  return result;
+}
+
+Thresholds Denoise::used(const Size& size) const {
+  // With no frames the entry derives the thresholds and does nothing else.
+  T_3DYuvDenoiseParam param = record_of(*this, size, static_cast<size_t>(size.width), 0);
+  expect_accepted(zavri_mp_3D_YUV_denoise(&param));
+  return {param.thresh, param.threshY};
+}
+
+void DenoiseRuns::prepare(const Room& room) {
+  if (!copies_.empty() && room.luma <= room_.luma && room.chroma <= room_.chroma) return;
+  room_ = {std::max(room.luma, room_.luma), 0, std::max(room.chroma, room_.chroma)};
+  copies_.clear();
+  for (const Frame& frame : frames_) {
+    copies_.push_back(roomy_copy(frame, frames_[worked_], room_));
+  }
+}
+
+Result DenoiseRuns::run(const Denoise& denoise, int runs) {
+  denoise.check(size_of(frames_.front()), static_cast<int>(frames_.size()));
+  expect_one_size(frames_);
+  if (worked_ != static_cast<size_t>(denoise.reference)) copies_.clear();
+  worked_ = static_cast<size_t>(denoise.reference);
+  const Frame& noisy = frames_[worked_];
+  const T_3DYuvDenoiseParam asked =
+      record_of(denoise, size_of(noisy), noisy.layout().stride, frames_.size());
+  prepare({zavri_room_denoise_luma(&asked), 0, zavri_room_denoise_chroma(&asked)});
 
   T_3DYuvDenoiseParam param{};
-  const auto prepare = [&] {
-    copy_picture(result.frame, copies[worked]);
+  const auto restore = [&] {
+    copy_picture(noisy, copies_[worked_]);
     // The entry writes the thresholds that it used into the record, so that each run has its own.
     param = asked;
-    param.uv_offset = static_cast<uint32_t>(copies[worked].layout().chroma_at);
-    for (size_t k = 0; k < copies.size(); ++k) param.frame_y[k] = copies[k].buffer().data();
+    param.uv_offset = static_cast<uint32_t>(copies_[worked_].layout().chroma_at);
+    for (size_t k = 0; k < copies_.size(); ++k) param.frame_y[k] = copies_[k].buffer().data();
   };
+  Result result;
   result.seconds =
-      median_seconds(runs, prepare, [&] { expect_accepted(zavri_mp_3D_YUV_denoise(&param)); });
-  copy_picture(copies[worked], result.frame);
+      median_seconds(runs, restore, [&] { expect_accepted(zavri_mp_3D_YUV_denoise(&param)); });
   result.figures = {{"thresh", param.thresh}, {"thresh_luma", param.threshY}};
-  result.remarks = remarks_on(*this, param, result.frame.megapixels());
+  result.remarks = remarks_on(denoise, param, noisy.megapixels());
   return result;
 }
 

@@ -1,17 +1,31 @@
 #pragma once
 
 #include "tools/operations/operation.h"
+#include "tools/operations/tables.h"
 
 namespace zavri::tools {
 
 // What the multi-frame denoise merges; named as the record's switches choose it.
 enum class Merge { kWhole, kEdges, kEdgesLuma, kChroma };
 
+// The thresholds that the library works with: what it makes of requests, curves, the gain and the
+// size of the frames.
+struct Thresholds {
+  int chroma = 0;
+  int luma = 0;
+
+  bool operator==(const Thresholds& other) const {
+    return chroma == other.chroma && luma == other.luma;
+  }
+};
+
 // Merges one to four frames of a scene.
 class Denoise : public Operation {
  public:
   int thresh = 0;  // 1..100 requested, 0 from the gain
   int thresh_luma = 0;
+  Curve curve;  // over the gain, of thresholds that are 0; empty: the library's own
+  Curve curve_luma;
   Merge merge = Merge::kWhole;
   int gain = 16;
   int reference = 0;  // index of the frame that is denoised
@@ -22,6 +36,30 @@ class Denoise : public Operation {
   void check(const Size& size, int frames) const override;
   // Figures: the thresholds that the library used, "thresh" and "thresh_luma".
   Result run(const Frames& frames, int runs = 1) const override;
+
+  // As the library tells them for frames of this size; it touches no frame for that. Without a mode
+  // that merges luma, the luma threshold is the request.
+  Thresholds used(const Size& size) const;
+};
+
+// Runs one after the other, with settings that may change, on the same frames, which must outlive
+// it. Copies of them are made once.
+class DenoiseRuns {
+ public:
+  explicit DenoiseRuns(const Frames& frames) : frames_(frames) {}
+
+  // The result's frame is left empty: it is merged(), until the next run.
+  Result run(const Denoise& denoise, int runs = 1);
+  const Frame& merged() const { return copies_[worked_]; }
+
+ private:
+  // Copies with room for these settings.
+  void prepare(const Room& room);
+
+  const Frames& frames_;
+  Frames copies_;
+  Room room_;
+  size_t worked_ = 0;
 };
 
 // Smooths the chroma of single frames and merges nothing.
