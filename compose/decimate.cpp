@@ -21,18 +21,21 @@ ZAVRI_INLINE void decimate_vector(uint8_t* to, const uint8_t* from, size_t b) {
 }
 
 template <size_t kSize>
-void decimate(uint8_t* to, const uint8_t* from, size_t bytes) {
-  if (!kVectorized || bytes < kVectorBytes || !no_overlap({{{from, 2 * bytes}, {to, bytes}}})) {
-    return decimate_plain<kSize>(to, from, bytes);
-  }
+void decimate_vectors(uint8_t* to, const uint8_t* from, size_t bytes) {
   size_t b = 0;
   for (; b + 2 * kVectorBytes <= bytes; b += 2 * kVectorBytes) {
     decimate_vector<kSize>(to, from, b);
     decimate_vector<kSize>(to, from, b + kVectorBytes);
   }
-  for (; b + kVectorBytes <= bytes; b += kVectorBytes) decimate_vector<kSize>(to, from, b);
-  // The last vector repeats some of the one before it.
-  if (b < bytes) decimate_vector<kSize>(to, from, bytes - kVectorBytes);
+  for_vectors(b, bytes, [=](size_t i) { decimate_vector<kSize>(to, from, i); });
+}
+
+template <size_t kSize>
+void decimate(uint8_t* to, const uint8_t* from, size_t bytes) {
+  if (kVectorized && bytes >= kVectorBytes && no_overlap({{{from, 2 * bytes}, {to, bytes}}})) {
+    return decimate_vectors<kSize>(to, from, bytes);
+  }
+  decimate_plain<kSize>(to, from, bytes);
 }
 
 }  // namespace

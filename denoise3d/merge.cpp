@@ -213,28 +213,27 @@ ZAVRI_INLINE size_t merge_vectors(const MergeRow& row, size_t bytes, const Merge
 }
 
 // Tells whether no position writes what another one reads, so that their order does not show. One
-// does where drifting edge sections led rows into one another, and where luma rows reach into
-// the chroma plane.
+// does where drifting edge sections led rows into one another, and where luma rows reach into the
+// chroma plane. A row that is read and written at the same bytes is no pair of the list: of each
+// position and each vector, reading comes first.
 template <MergeKind kKind, int kOthers>
 bool positions_are_independent(const MergeRow& row, size_t bytes) {
-  enum Place { kUv, kY0, kY1 };
-  const uint8_t* const written[] = {row.uv, row.y0, row.y1};
-  // A row that is read may begin where the written row of its place does: position by position and
-  // vector by vector, reading comes first.
-  const auto independent = [&](const uint8_t* read, Place place) {
-    for (int w = writes_chroma(kKind) ? kUv : kY0; w <= (writes_luma(kKind) ? kY1 : kUv); ++w) {
-      const bool in_place = w == place && read == written[w];
-      if (!in_place && overlap({read, bytes}, {written[w], bytes})) return false;
-    }
-    return true;
-  };
-  bool result = independent(row.uv, kUv);
-  for (int k = 0; k < kOthers; ++k) result &= independent(row.other_uv[k], kUv);
+  const auto range = [bytes](const uint8_t* first) { return Range{first, bytes}; };
+  const Range uv = range(row.uv);
+  bool independent = true;
+  for (int k = 0; k < kOthers; ++k) independent &= no_overlap({{range(row.other_uv[k]), uv}});
   if constexpr (writes_luma(kKind)) {
-    result &= independent(row.y0, kY0) && independent(row.y1, kY1);
-    for (int k = 0; k < kOthers; ++k) result &= independent(row.other_y[k], kY0);
+    const Range y0 = range(row.y0);
+    const Range y1 = range(row.y1);
+    independent &= no_overlap({{uv, y0}, {uv, y1}, {y0, y1}});
+    for (int k = 0; k < kOthers; ++k) {
+      const Range other_uv = range(row.other_uv[k]);
+      const Range other_y = range(row.other_y[k]);
+      independent &=
+          no_overlap({{other_uv, y0}, {other_uv, y1}, {other_y, uv}, {other_y, y0}, {other_y, y1}});
+    }
   }
-  return result;
+  return independent;
 }
 
 template <MergeKind kKind, int kOthers>

@@ -26,11 +26,10 @@ ZAVRI_INLINE U8 blend_vector(Operands of) {
   return select(partly, weighted_mean(of.sharp, of.blurred, of.weight), of.blurred);
 }
 
-// The loop loads two vectors before it blends them, so that a processor which executes in order
-// waits for both at once.
-void blend(uint8_t* to, const uint8_t* sharp, const uint8_t* blurred, const uint8_t* weight,
-           size_t count) {
-  if (!kVectorized || count < kVectorBytes) return blend_plain(to, sharp, blurred, weight, count);
+// Blends at least one vector. The loop loads two before it blends them, so that a processor which
+// executes in order waits for both at once.
+void blend_vectors(uint8_t* to, const uint8_t* sharp, const uint8_t* blurred, const uint8_t* weight,
+                   size_t count) {
   const auto load_at = [=](size_t i) {
     return Operands{load(sharp + i), load(blurred + i), load(weight + i)};
   };
@@ -41,9 +40,15 @@ void blend(uint8_t* to, const uint8_t* sharp, const uint8_t* blurred, const uint
     store(to + i, blend_vector(first));
     store(to + i + kVectorBytes, blend_vector(second));
   }
-  if (i + kVectorBytes <= count) store(to + i, blend_vector(load_at(i)));
-  i = count - kVectorBytes;  // The last vector repeats some of the one before it.
-  store(to + i, blend_vector(load_at(i)));
+  for_vectors(i, count, [=](size_t at) { store(to + at, blend_vector(load_at(at))); });
+}
+
+void blend(uint8_t* to, const uint8_t* sharp, const uint8_t* blurred, const uint8_t* weight,
+           size_t count) {
+  if (kVectorized && count >= kVectorBytes) {
+    return blend_vectors(to, sharp, blurred, weight, count);
+  }
+  blend_plain(to, sharp, blurred, weight, count);
 }
 
 }  // namespace

@@ -11,6 +11,12 @@
 // `lower` those for the bytes 0 .. 7 of each block, `upper` those for the bytes 8 .. 15, in order.
 // A mask has whole bytes set or clear.
 //
+// Loops
+//   for_vectors(first, end, make)   calls make(i) for vectors of bytes, each from i on, that
+//   together
+//                                   are the bytes first .. end - 1, where end is at least
+//                                   kVectorBytes; the last one ends at `end`, and may repeat bytes
+//                                   of the one before it
 // Memory, at any address
 //   load<V>(from), store(to, v)     a vector
 //   load_blocks(from, distance)     block i is the 16 bytes at from + i * distance
@@ -120,6 +126,13 @@ struct PairTotals {
   uint32_t even;
   uint32_t odd;
 };
+
+template <class Make>
+ZAVRI_INLINE void for_vectors(size_t first, size_t end, Make make) {
+  size_t i = first;
+  for (; i + kVectorBytes <= end; i += kVectorBytes) make(i);
+  if (i < end) make(end - kVectorBytes);
+}
 
 template <class V = U8>
 ZAVRI_INLINE V load(const void* from) {

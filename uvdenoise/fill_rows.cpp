@@ -1,5 +1,6 @@
 #include "uvdenoise/fill_rows.h"
 
+#include "simd/overlap.h"
 #include "simd/vec.h"
 
 namespace zavri {
@@ -21,32 +22,34 @@ ZAVRI_INLINE void fill_vector(uint8_t* cells) {
   store(cells, (pairs & 0xffff) | means << 16);
 }
 
+// The last cell is left to the rule, because a vector would read more of the next block than its
+// first pair. Cells that two vectors fill are filled from the same pairs, which filling keeps.
 void fill_row(uint8_t* row, size_t blocks) {
+  const size_t end = blocks * kFillBlock;
   size_t x = 0;
-  if (kVectorized) {
-    const size_t readable = blocks * kFillBlock + 2;
-    for (; x + kVectorBytes + kCell <= readable; x += kVectorBytes) fill_vector(row + x);
-    if (x > 0) {
-      // The last vector fills some cells again, from the same pairs: filling does not change them.
-      x = (readable - kVectorBytes - kCell) & ~(kCell - 1);
-      fill_vector(row + x);
-      x += kVectorBytes;
-    }
+  if (kVectorized && end >= kVectorBytes + kCell) {
+    x = end - kCell;
+    for_vectors(0, x, [row](size_t cells) { fill_vector(row + cells); });
   }
-  for (; x < blocks * kFillBlock; x += kCell) fill_cell(row + x);
+  for (; x < end; x += kCell) fill_cell(row + x);
 }
 
-void average_rows_plain(uint8_t* to, const uint8_t* above, const uint8_t* below, size_t bytes) {
+void average_plain(uint8_t* to, const uint8_t* above, const uint8_t* below, size_t bytes) {
   for (size_t x = 0; x < bytes; ++x) to[x] = mean(above[x], below[x]);
 }
 
+void average_vectors(uint8_t* to, const uint8_t* above, const uint8_t* below, size_t bytes) {
+  for_vectors(0, bytes,
+              [=](size_t x) { store(to + x, avg_round_down(load(above + x), load(below + x))); });
+}
+
 void average_rows(uint8_t* to, const uint8_t* above, const uint8_t* below, size_t bytes) {
-  if (!kVectorized || bytes < kVectorBytes) return average_rows_plain(to, above, below, bytes);
-  const auto average_at = [&](size_t x) {
-    store(to + x, avg_round_down(load(above + x), load(below + x)));
-  };
-  for (size_t x = 0; x + kVectorBytes <= bytes; x += kVectorBytes) average_at(x);
-  average_at(bytes - kVectorBytes);
+  const Range written{to, bytes};
+  if (kVectorized && bytes >= kVectorBytes &&
+      no_overlap({{{above, bytes}, written}, {{below, bytes}, written}})) {
+    return average_vectors(to, above, below, bytes);
+  }
+  average_plain(to, above, below, bytes);
 }
 
 }  // namespace

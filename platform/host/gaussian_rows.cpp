@@ -84,8 +84,7 @@ void blur(const GaussianBand& band, size_t first, size_t last) {
   const size_t end = std::min(last, band.width - std::min(band.width, kGaussianReach));
   if (!kVectorized || end < begin + kVectorBytes) return blur_plain(band, first, last);
   blur_plain(band, first, begin);
-  for (size_t x = begin; x + kVectorBytes <= end; x += kVectorBytes) blur_columns(band, x);
-  blur_columns(band, end - kVectorBytes);  // repeats some of the columns before it
+  for_vectors(begin, end, [&](size_t x) { blur_columns(band, x); });
   blur_plain(band, end, last);
 }
 

@@ -7,15 +7,6 @@
 namespace zavri::host {
 namespace {
 
-// Calls `make` with the first of each kVectorBytes numbers of [0, count), which are at least as
-// many. The last ones may be made twice.
-template <class Make>
-ZAVRI_INLINE void for_vectors(size_t count, Make make) {
-  size_t i = 0;
-  for (; i + kVectorBytes <= count; i += kVectorBytes) make(i);
-  if (i < count) make(count - kVectorBytes);
-}
-
 // The general rule weighs by 3/4 and 1/4 each way: in units of 1/16 the sample A is
 // 9a + 3b + 3c + d, with a half for rounding. That is 8 * (a + 1) and what diagonal_means() divides
 // by 8, and dividing by 8 first changes nothing, because the rest is below 8:
@@ -41,7 +32,7 @@ uint8_t linear_end(uint8_t near, uint8_t far) {
 void linear(const uint8_t* above, const uint8_t* below, size_t count, uint8_t* upper,
             uint8_t* lower) {
   const size_t last = count - 1;
-  for_vectors(last, [=](size_t i) { double_linear(above, below, i, upper, lower); });
+  for_vectors(0, last, [=](size_t i) { double_linear(above, below, i, upper, lower); });
   upper[0] = linear_end(above[0], below[0]);
   lower[0] = linear_end(below[0], above[0]);
   upper[2 * count - 1] = linear_end(above[last], below[last]);
@@ -90,13 +81,13 @@ uint8_t spline_end(int outer, int near, int far, int outer_far) {
 
 void spline(const uint8_t* const* rows_in, size_t count, int16_t* sums, uint8_t* to) {
   const uint8_t* const rows[] = {rows_in[0], rows_in[1], rows_in[2], rows_in[3]};
-  for_vectors(count, [&](size_t i) { sum_rows(rows, i, sums); });
+  for_vectors(0, count, [&](size_t i) { sum_rows(rows, i, sums); });
   const int16_t first = sums[0];
   const int16_t last = sums[count - 1];
   const FourWeights weights(kWeights);
   sums[-1] = first;
   sums[count] = last;
-  for_vectors(count - 1, [=](size_t i) { double_spline(weights, sums, i, to); });
+  for_vectors(0, count - 1, [=](size_t i) { double_spline(weights, sums, i, to); });
   to[0] = spline_end(sums[1], first, first, first);
   to[2 * count - 1] = spline_end(sums[count - 2], last, last, last);
 }
