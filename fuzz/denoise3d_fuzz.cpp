@@ -7,16 +7,12 @@
 #endif
 
 #include <algorithm>
-#include <cstddef>
-#include <cstdint>
-#include <cstdlib>
-#include <memory>
 
+#include "fuzz/fuzzing.h"
 #include "include/zavricustpro.h"
 #include "interface/threshold_tuning.h"
-#include "platform/log.h"
 
-extern "C" int __android_log_print(int, const char*, const char*, ...) { return 0; }
+using namespace zavri::fuzzing;
 
 // Is called instead of zavri::scale_threshold, which would leave frames of less than two megapixels
 // no threshold. It is declared with that function's type: a change of the type does not compile.
@@ -37,20 +33,6 @@ constexpr bool kSharedBytes = true;
 #endif
 
 constexpr size_t even_up(size_t value) { return (value + 1) & ~size_t{1}; }
-
-// Reads the input; zeros follow its end.
-class Input {
- public:
-  Input(const uint8_t* data, size_t size) : data_(data), end_(data + size) {}
-
-  uint8_t byte() { return data_ == end_ ? uint8_t{0} : *data_++; }
-  uint32_t below(uint32_t limit) { return byte() % limit; }
-  bool flag() { return (byte() & 1) != 0; }
-
- private:
-  const uint8_t* data_;
-  const uint8_t* end_;
-};
 
 // Keeps to the header's contract: strides of at least the width, a reference among the frames.
 T_3DYuvDenoiseParam read_record(Input& input) {
@@ -73,16 +55,9 @@ T_3DYuvDenoiseParam read_record(Input& input) {
   return p;
 }
 
-void fill(uint8_t* bytes, size_t size, uint32_t state, uint32_t spread) {
-  for (size_t i = 0; i < size; ++i) {
-    state = state * 1664525 + 1013904223;
-    bytes[i] = static_cast<uint8_t>(60 + (state >> 24) % spread);
-  }
-}
-
 }  // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   Input input(data, size);
   T_3DYuvDenoiseParam p = read_record(input);
   const size_t luma = zavri_room_denoise_luma(&p);
@@ -91,20 +66,37 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   p.uv_offset =
       static_cast<uint32_t>(apart ? luma + 32 + input.below(32) : size_t{p.y_stride} * p.height);
   const size_t bytes = std::max(luma, p.uv_offset + zavri_room_denoise_chroma(&p));
-  const uint32_t spread = 1 + input.byte();
-  const uint32_t state = input.byte();
+  Picture picture(input);
+  Bytes frames[4];
+  for (uint32_t k = 0; k < 4 && k < p.frame_num; ++k) frames[k] = picture.plane(bytes);
 
-  std::unique_ptr<uint8_t[]> frames[4];
-  for (uint32_t k = 0; k < 4 && k < p.frame_num; ++k) {
-    frames[k].reset(new uint8_t[bytes]);
-    fill(frames[k].get(), bytes, state + k, spread);
-    p.frame_y[k] = frames[k].get();
-    if (!apart) continue;
-    // The stretch is poisoned in granules of 8 bytes: none that the chroma plane has a part of.
-    const size_t gap = (p.uv_offset - luma) & ~size_t{7};
-    ASAN_POISON_MEMORY_REGION(frames[k].get() + luma, gap);
-  }
-
-  if (zavri_mp_3D_YUV_denoise(&p) != 0) abort();
+  // Returns the reference frame after `denoise`.
+  const auto denoised = [&](auto denoise) {
+    Bytes worked[4] = {frames[0], frames[1], frames[2], frames[3]};
+    for (uint32_t k = 0; k < 4; ++k) {
+      p.frame_y[k] = nullptr;
+      if (worked[k].empty()) continue;
+      p.frame_y[k] = worked[k].data();
+      if (!apart) continue;
+      // The stretch is poisoned in granules of 8 bytes: none that the chroma plane has a part of.
+      ASAN_POISON_MEMORY_REGION(p.frame_y[k] + luma, (p.uv_offset - luma) & ~size_t{7});
+    }
+    denoise();
+    const uint8_t* const reference = p.frame_y[p.ref_index];
+    Bytes result(reference, reference + luma);
+    result.insert(result.end(), reference + p.uv_offset, reference + bytes);
+    return result;
+  };
+  denoised([&] {
+    if (zavri_mp_3D_YUV_denoise(&p) != 0) abort();
+  });
+  // The record has the thresholds now.
+  expect_one_result([&] {
+    return denoised([&] {
+      for (int32_t strip = 0; strip < kZavriStrips; ++strip) {
+        zavri_mp_3D_YUV_denoise_inner(&strip, &p, nullptr);
+      }
+    });
+  });
   return 0;
 }

@@ -1,20 +1,13 @@
 // Fuzzes the chroma denoise with planes of every shape that the header admits, in every build. The
 // memory ends where the header says that the strips stop reading.
-#include <cstddef>
-#include <cstdint>
-#include <cstdlib>
 #include <iterator>
-#include <vector>
 
+#include "fuzz/fuzzing.h"
 #include "include/zavricustpro.h"
-#include "platform/log.h"
-#include "tests/support/use_build.h"
 
-extern "C" int __android_log_print(int, const char*, const char*, ...) { return 0; }
+using namespace zavri::fuzzing;
 
 namespace {
-
-using zavri::Build;
 
 struct Filter {
   ThreadPoolTaskFunc strip;
@@ -32,19 +25,6 @@ constexpr Filter kFilters[] = {{zavri_mp_single_UV_denoise_new_inner_7, 3, 15, t
 bool admits(uint32_t height, const Filter& filter) {
   return (height - 3 * (height / 4)) / 2 >= 2 * filter.reach;
 }
-
-// Reads the input; zeros follow its end.
-class Input {
- public:
-  Input(const uint8_t* data, size_t size) : data_(data), end_(data + size) {}
-
-  uint8_t byte() { return data_ == end_ ? uint8_t{0} : *data_++; }
-  uint32_t below(uint32_t limit) { return byte() % limit; }
-
- private:
-  const uint8_t* data_;
-  const uint8_t* end_;
-};
 
 // The strips may touch these bytes before the plane and from its first on.
 struct Room {
@@ -67,18 +47,9 @@ void read_weights(Input& input, T_UVDenoiseParam& param) {
   }
 }
 
-std::vector<uint8_t> denoised(const std::vector<uint8_t>& bytes, const Room& room,
-                              T_UVDenoiseParam param, ThreadPoolTaskFunc strip, Build build) {
-  std::vector<uint8_t> result = bytes;
-  param.uv_plane = result.data() + room.before;
-  const zavri::testing::UseBuild use(build);
-  for (uint32_t k = 0; k < kZavriStrips; ++k) strip(&k, &param, nullptr);
-  return result;
-}
-
 }  // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   Input input(data, size);
   const Filter& filter = kFilters[input.below(std::size(kFilters))];
   T_UVDenoiseParam param{};
@@ -88,18 +59,14 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   param.kernel_size = static_cast<int8_t>(2 * filter.reach + 1);
   param.stride = param.width + input.below(9);
   const Room room = room_for(param, filter);
-  const uint32_t spread = 1 + input.byte();
-  uint32_t state = input.byte();
+  Picture picture(input);
   read_weights(input, param);
-
-  std::vector<uint8_t> bytes(room.before + room.plane);
-  for (uint8_t& byte : bytes) {
-    state = state * 1664525 + 1013904223;
-    byte = static_cast<uint8_t>(60 + (state >> 24) % spread);
-  }
-  const std::vector<uint8_t> expected = denoised(bytes, room, param, filter.strip, Build::kPlain);
-  for (const Build build : zavri::testing::builds_here()) {
-    if (denoised(bytes, room, param, filter.strip, build) != expected) abort();
-  }
+  const Bytes bytes = picture.plane(room.before + room.plane);
+  expect_one_result([&] {
+    Bytes result = bytes;
+    param.uv_plane = result.data() + room.before;
+    for (uint32_t k = 0; k < kZavriStrips; ++k) filter.strip(&k, &param, nullptr);
+    return result;
+  });
   return 0;
 }
