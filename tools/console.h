@@ -23,7 +23,8 @@ class Console {
   bool quiet = false;
   bool verbose = false;
   bool force = false;
-  bool csv = false;  // of commands whose report is one table
+  bool csv = false;     // of commands whose report is one table
+  std::string command;  // as it was typed, in a form that a shell takes
 
   // Leaves stdout to a command's output: no report is printed.
   void give_stdout_away() { stdout_is_output_ = true; }

@@ -1,11 +1,14 @@
-// Writes a report page that has every part, with texts that try to leave theirs.
+// Writes a report page that has every part, with texts that try to leave theirs, and a photograph
+// of which the program can make a report: PAGE PHOTO.
 
 #include <cmath>
 #include <cstdio>
 #include <fstream>
 #include <limits>
 
+#include "tests/support/pictures.h"
 #include "tools/images/encode.h"
+#include "tools/images/files.h"
 #include "tools/report/page.h"
 
 namespace zavri::tools {
@@ -80,8 +83,9 @@ ReportPage page() {
 }  // namespace zavri::tools
 
 int main(int count, char** arguments) try {
-  if (count != 2) return 2;
+  if (count != 3) return 2;
   std::ofstream(arguments[1]) << zavri::tools::to_html(zavri::tools::page());
+  zavri::tools::save(zavri::tools::half_textured(2048, 1024), arguments[2]);
   return 0;
 } catch (const std::exception& error) {
   std::fprintf(stderr, "%s\n", error.what());

@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# Usage: page_test.sh FIXTURE NODE_MODULES. Exit status 77: skipped, for want of a browser.
+# Usage: page_test.sh FIXTURE ZAVRI NODE_MODULES. Exit status 77: skipped, for want of a browser.
 set -euo pipefail
+fixture=$1 zavri=$2 modules=$3
 
 for name in chromium chromium-browser google-chrome; do
   browser=$(command -v $name) && break
@@ -9,12 +10,18 @@ if [[ -z ${browser:-} ]]; then
   echo "skipped: chromium is not installed"
   exit 77
 fi
-if [[ ! -d $2/playwright-core ]]; then
+if [[ ! -d $modules/playwright-core ]]; then
   echo "the test's libraries are missing; run scripts/fetch-report-assets --tests and build again"
   exit 1
 fi
 
+here=$(cd "$(dirname "$0")" && pwd)
 folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT
-"$1" "$folder/page.html"
-node "$(dirname "$0")/page_test.mjs" "$browser" "$2/playwright-core" "$folder/page.html"
+cd "$folder"
+"$fixture" fixture.html photo.png
+"$zavri" burst photo.png --object -o burst
+"$zavri" report burst --thresh 90 --thresh-luma 90 -o truth.html
+"$zavri" report burst/frame?_*.nv12 --thresh 90 --thresh-luma 90 -o dumps.html
+
+node "$here/page_test.mjs" "$browser" "$modules/playwright-core" fixture.html truth.html dumps.html

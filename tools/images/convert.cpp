@@ -33,7 +33,7 @@ Sws new_sws(const AVFrame& from, const PixelTarget& to) {
     int64_t value;
   } options[] = {{"srcw", from.width},        {"srch", from.height},
                  {"src_format", from.format}, {"src_range", is_full(from.color_range)},
-                 {"dstw", from.width},        {"dsth", from.height},
+                 {"dstw", to.width},          {"dsth", to.height},
                  {"dst_format", to.format},   {"dst_range", is_full(to.range)},
                  {"sws_flags", kFlags}};
   for (const auto& option : options) av_opt_set_int(sws.get(), option.name, option.value, 0);
@@ -63,19 +63,22 @@ bool is_grey(const AVFrame& frame) {
 
 }  // namespace
 
-AvFrame convert(const AVFrame& from, const PixelTarget& to) {
+AvFrame convert(const AVFrame& from, const PixelTarget& target) {
+  PixelTarget to = target;
+  if (to.width == 0) to.width = from.width;
+  if (to.height == 0) to.height = from.height;
   // The library passes from matrix to matrix through RGB of 8 bits; with 16 bits on the way the
   // chroma of a converted photograph is 4 dB better. RGB itself has no matrix.
   if (from.colorspace != to.matrix) {
-    const AvFrame rgb = convert(from, {AV_PIX_FMT_GBRP16, AVCOL_RANGE_JPEG, from.colorspace});
+    const AvFrame rgb = convert(from, {AV_PIX_FMT_GBRP16, AVCOL_RANGE_JPEG, from.colorspace, 0, 0});
     rgb->colorspace = to.matrix;
     return convert(*rgb, to);
   }
   // Of a grey source the library leaves half of the chroma unwritten when it is interleaved.
   if (is_grey(from) && to.format == AV_PIX_FMT_NV12) {
-    return convert(*convert(from, {AV_PIX_FMT_YUV420P, to.range, to.matrix}), to);
+    return convert(*convert(from, {AV_PIX_FMT_YUV420P, to.range, to.matrix, 0, 0}), to);
   }
-  AvFrame result = new_av_frame(to.format, from.width, from.height);
+  AvFrame result = new_av_frame(to.format, to.width, to.height);
   result->color_range = to.range;
   result->colorspace = to.matrix;
   const Sws sws = new_sws(from, to);
@@ -123,10 +126,18 @@ Frame frame_from_av(const AVFrame& from) {
 
 Picture picture_from_av(const AVFrame& from) {
   const AvFrame av = convert(from, kRgb);
-  Picture picture(from.width, from.height);
-  const size_t bytes = 3 * static_cast<size_t>(from.width);
-  copy_rows(av->data[0], av->linesize[0], picture.rgb.data(), bytes, bytes, from.height);
+  Picture picture(av->width, av->height);
+  const size_t bytes = 3 * static_cast<size_t>(av->width);
+  copy_rows(av->data[0], av->linesize[0], picture.rgb.data(), bytes, bytes, av->height);
   return picture;
+}
+
+Picture shrunk(const Picture& picture, int most_width) {
+  if (picture.width <= most_width) return picture;
+  PixelTarget target = kRgb;
+  target.width = most_width;
+  target.height = std::max(1, picture.height * most_width / picture.width);
+  return picture_from_av(*convert(*to_av(picture), target));
 }
 
 Frame to_frame(const Picture& picture) { return frame_from_av(*to_av(picture)); }

@@ -6,11 +6,13 @@
 // Pixel formats, ranges and matrices. An AVFrame here always says its range and its matrix.
 namespace zavri::tools {
 
-// The format, range and matrix of a conversion's result.
+// The format, range, matrix and size of a conversion's result.
 struct PixelTarget {
   AVPixelFormat format;
   AVColorRange range = AVCOL_RANGE_JPEG;
   AVColorSpace matrix = AVCOL_SPC_BT470BG;
+  int width = 0;  // 0: the size of the source
+  int height = 0;
 };
 AvFrame convert(const AVFrame& from, const PixelTarget& target);
 

@@ -89,4 +89,7 @@ struct Picture {
 Frame to_frame(const Picture& picture);
 Picture to_picture(const Frame& frame);
 
+// The picture no wider than that; each pixel is the mean of those it covers.
+Picture shrunk(const Picture& picture, int most_width);
+
 }  // namespace zavri::tools

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <map>
 #include <nlohmann/json.hpp>
 #include <string_view>
 
@@ -82,8 +83,14 @@ Json comparison(const PageComparison& comparison) {
 Json comparisons(std::vector<PageComparison> all) {
   const auto parts = std::stable_partition(
       all.begin(), all.end(), [](const PageComparison& one) { return one.scale == 0; });
-  std::stable_sort(parts, all.end(), [](const PageComparison& a, const PageComparison& b) {
-    return a.gained.value_or(0) < b.gained.value_or(0);
+  // What shows one part at several scales stays together.
+  std::map<std::string, double> worst;
+  for (const PageComparison& one : all) {
+    double& gained = worst.emplace(one.caption, 1e9).first->second;
+    gained = std::min(gained, one.gained.value_or(0));
+  }
+  std::stable_sort(parts, all.end(), [&](const PageComparison& a, const PageComparison& b) {
+    return worst[a.caption] < worst[b.caption];
   });
   return list(all, comparison);
 }

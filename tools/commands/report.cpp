@@ -1,0 +1,101 @@
+#include <algorithm>
+#include <filesystem>
+#include <optional>
+
+#include "tools/command_line.h"
+#include "tools/error.h"
+#include "tools/images/mask.h"
+#include "tools/log_lines.h"
+#include "tools/report/run_page.h"
+#include "tools/sensor/burst.h"
+
+namespace zavri::tools {
+namespace {
+
+namespace fs = std::filesystem;
+
+class MakeReport : public Command {
+ public:
+  using Command::Command;
+
+  void declare(Options& options) override;
+  int run(Console& console) override;
+
+ private:
+  // Takes the frames and the truth of a burst's folder for files that were named one by one.
+  void look_into_folder();
+  ReportPage run_page();
+
+  Input input_;
+  std::string clean_;
+  std::string mask_;
+  std::string output_;
+  Denoise denoise_;
+};
+
+void MakeReport::declare(Options& options) {
+  input_.declare(options, "the folder of a burst, or its frames");
+  options.add(word("o", output_, "PAGE.html", "the page, one file that needs no other"), true);
+  options.add({word("reference", clean_, "CLEAN", "the clean frame, where there is one"),
+               word("mask", mask_, "MASK", "picture that is white where something moves")});
+  options.add(denoise_.settings());
+}
+
+void MakeReport::look_into_folder() {
+  const std::string folder = input_.paths.front();
+  std::vector<std::string> frames;
+  for (const std::string& path : burst_files(folder)) {
+    const std::string name = fs::path(path).filename();
+    if (name.rfind("frame", 0) == 0) frames.push_back(path);
+    if (name.rfind("clean", 0) == 0 && clean_.empty()) clean_ = path;
+    if (name.rfind("mask", 0) == 0 && mask_.empty()) mask_ = path;
+  }
+  if (frames.empty()) throw Error(folder + ": has no frames of a burst, frame0_.. and on");
+  std::sort(frames.begin(), frames.end());
+  frames.resize(std::min<size_t>(frames.size(), static_cast<size_t>(denoise_.takes().most)));
+  input_.paths = frames;
+}
+
+ReportPage MakeReport::run_page() {
+  if (input_.paths.size() == 1 && fs::is_directory(input_.paths.front())) look_into_folder();
+  if (!mask_.empty() && clean_.empty()) throw Error("--mask: needs --reference");
+  std::vector<std::string> paths = input_.paths;
+  if (!clean_.empty()) paths.push_back(clean_);
+  Frames frames = load_frames(paths, input_.options, denoise_.takes().most);
+  std::optional<Frame> clean;
+  if (!clean_.empty()) {
+    clean = std::move(frames.back());
+    frames.pop_back();
+    expect_one_size({frames.front(), *clean});
+  }
+  std::optional<Mask> mask;
+  if (!mask_.empty()) mask = Mask(load_picture(mask_));
+  if (mask && Size{mask->width(), mask->height()}.text() != frames.front().size()) {
+    throw Error(mask_ + ": a mask has the frames' size, " + frames.front().size());
+  }
+  LogKeeper log;
+  const Result result = denoise_.run(frames);
+  std::vector<std::string> lines = log.take();
+  ReportPage page =
+      page_of({frames, denoise_, result, clean ? &*clean : nullptr, mask ? &*mask : nullptr});
+  page.log_lines = std::move(lines);
+  return page;
+}
+
+int MakeReport::run(Console& console) {
+  prepare_output(output_, console, check_file);
+  ReportPage page = run_page();
+  page.command = console.command;
+  page.program = "zavri " ZAVRI_VERSION;
+  const std::string html = to_html(page);
+  write_file(output_, Bytes(html.begin(), html.end()));
+  for (const std::string& remark : page.remarks) console.remark(remark);
+  console.print({{"report", output_}, {"pictures", page.comparisons.size()}});
+  return kDone;
+}
+
+MakeReport g_report("report", "a page about one denoise: pictures, numbers, noise, agreement",
+                    "report burst --thresh 28 --thresh-luma 40 -o report.html");
+
+}  // namespace
+}  // namespace zavri::tools
