@@ -119,7 +119,10 @@ ZAVRI_INLINE U8 abs(S8 a) {
   return ((U8)a ^ sign) - sign;
 }
 
-ZAVRI_INLINE U8 abs_diff(U8 a, U8 b) { return saturating_sub(a, b) | saturating_sub(b, a); }
+ZAVRI_INLINE U8 abs_diff(U8 a, U8 b) {
+  const U8 negative = (U8)(a < b);
+  return ((a - b) ^ negative) - negative;
+}
 
 ZAVRI_INLINE U8 at_most(U8 a, U8 b) { return (U8)(a <= b); }
 
@@ -143,20 +146,22 @@ ZAVRI_INLINE S16 mul_high_rounded(S16 a, S16 b) {
   return (S16)(((U32)low & 0xffff) | (U32)high << 16);
 }
 
-struct DivisorReciprocals {
-  int16_t of[kMostDivisor + 1];
+template <int kLeast, int kMost>
+struct ReciprocalTable {
+  int16_t of[kMost + 1];
 
-  constexpr DivisorReciprocals() : of{} {
-    for (int w = kLeastDivisor; w <= kMostDivisor; ++w) {
+  constexpr ReciprocalTable() : of{} {
+    for (int w = kLeast; w <= kMost; ++w) {
       of[w] = static_cast<int16_t>(((1 << 15) + w / 2) / w);
     }
   }
 };
-constexpr DivisorReciprocals kDivisorReciprocals;
 
+template <int kLeast, int kMost>
 ZAVRI_INLINE S16 reciprocals(U16 w) {
+  static constexpr ReciprocalTable<kLeast, kMost> kTable;
   S16 r;
-  for (size_t i = 0; i < kLanesOf<S16>; ++i) r[i] = kDivisorReciprocals.of[w[i]];
+  for (size_t i = 0; i < kLanesOf<S16>; ++i) r[i] = kTable.of[w[i]];
   return r;
 }
 
@@ -175,8 +180,6 @@ ZAVRI_INLINE U16 small_quotient(U16 a, U16 b) {
   }
   return 31 - complement;
 }
-
-constexpr bool kHasByteTables = false;
 
 template <size_t kEntries>
 class ByteTable {
@@ -202,11 +205,15 @@ ZAVRI_INLINE S16 multiply_add_pairs(U8 a, S8 b) {
 }
 
 ZAVRI_INLINE Wide add_products(Wide sums, U8 w1, S8 d1, U8 w2, S8 d2) {
-  const auto products = [](U8 w_pairs, S8 d_pairs) {
-    return (U16)multiply_add_pairs(w_pairs, d_pairs);
+  const auto add = [&sums](U8 w, S8 d) {
+    const Wide weights = widen(w);
+    const Wide differences = zavri::widen(U8{}, (U8)d);  // 256 times as large
+    sums.lower += weights.lower * (U16)((S16)differences.lower >> 8);
+    sums.upper += weights.upper * (U16)((S16)differences.upper >> 8);
   };
-  return {sums.lower + products(interleave_lower(w1, w2), interleave_lower(d1, d2)),
-          sums.upper + products(interleave_upper(w1, w2), interleave_upper(d1, d2))};
+  add(w1, d1);
+  add(w2, d2);
+  return sums;
 }
 
 ZAVRI_INLINE Wide add_weights(Wide sums, U8 a, U8 b) {

@@ -95,20 +95,19 @@ ZAVRI_INLINE S16 mul_high_rounded(S16 a, S16 b) {
 }
 
 // One step of Newton's method doubles the 8 bits of the estimate, which architecture manuals lay
-// down to the last bit. For every w the error is too small to change the nearest number.
-ZAVRI_INLINE int16x4_t reciprocals(uint16x4_t w) {
+// down to the last bit. For every w from 1 on the error is too small to change the nearest number.
+ZAVRI_INLINE int16x4_t half_reciprocals(uint16x4_t w) {
   const float32x4_t divisor = vcvtq_f32_u32(vmovl_u16(w));
   const float32x4_t estimate = vrecpeq_f32(divisor);
   const float32x4_t r = vmulq_f32(estimate, vrecpsq_f32(divisor, estimate));
   return vreinterpret_s16_u16(vrshrn_n_u32(vcvtq_n_u32_f32(r, 16), 1));
 }
 
+template <int kLeast, int kMost>
 ZAVRI_INLINE S16 reciprocals(U16 w) {
-  return (S16)vcombine_s16(reciprocals(vget_low_u16((uint16x8_t)w)),
-                           reciprocals(vget_high_u16((uint16x8_t)w)));
+  return (S16)vcombine_s16(half_reciprocals(vget_low_u16((uint16x8_t)w)),
+                           half_reciprocals(vget_high_u16((uint16x8_t)w)));
 }
-
-constexpr bool kHasByteTables = true;
 
 #ifdef __aarch64__
 

@@ -12,11 +12,9 @@
 // A mask has whole bytes set or clear.
 //
 // Loops
-//   for_vectors(first, end, make)   calls make(i) for vectors of bytes, each from i on, that
-//   together
-//                                   are the bytes first .. end - 1, where end is at least
-//                                   kVectorBytes; the last one ends at `end`, and may repeat bytes
-//                                   of the one before it
+//   for_vectors(first, end, make)   calls make(i) for vectors of the bytes first .. end - 1, each
+//                                   from byte i on; the last one ends at `end`, which is at least
+//                                   kVectorBytes, and may repeat bytes of the one before it
 // Memory, at any address
 //   load<V>(from), store(to, v)     a vector
 //   load_blocks(from, distance)     block i is the 16 bytes at from + i * distance
@@ -50,11 +48,10 @@
 //   select(U8 mask, U8 a, U8 b)     a where the mask is set, b elsewhere
 //   mul_high(U16 a, U16 b)          a * b >> 16, both below 2^15
 //   mul_high_rounded(S16 a, S16 b)  (a * b + 2^14) >> 15, not both -2^15
-//   reciprocals(U16 w)              2^15 / w to the nearest, w from kLeastDivisor to kMostDivisor
+//   reciprocals<least, most>(U16 w) 2^15 / w to the nearest, w from `least` to `most`
 //   small_quotient(U16 a, U16 b)    a / b rounded down; a < 32 * b, a < 2^15, 0 < b < 2^11
 // Tables
 //   ByteTable<n>(entries).at(U8 i)  entries[i], or 0 from n on; n is 16, 32, 64 or 128
-//   kHasByteTables                  whether a lookup takes a few instructions for all lanes
 // Sums
 //   multiply_add_pairs(U8 a, S8 b)  a[2i] * b[2i] + a[2i + 1] * b[2i + 1], within 16 bits
 //   add_products(Wide, U8 w1, S8 d1, U8 w2, S8 d2)  adds w1 * d1 + w2 * d2; w1, w2 up to 127
@@ -107,9 +104,6 @@ template <class V>
 using Lane = std::decay_t<decltype(V{}[0])>;
 template <class V>
 constexpr size_t kLanesOf = sizeof(V) / sizeof(Lane<V>);
-
-constexpr int kLeastDivisor = 64;
-constexpr int kMostDivisor = 2350;
 
 struct Wide {
   U16 lower;

@@ -106,8 +106,6 @@ ZAVRI_INLINE S16 mul_high_rounded(S16 a, S16 b) {
   return (S16)ZAVRI_MM(mulhrs_epi16, (Native)a, (Native)b);
 }
 
-constexpr bool kHasByteTables = true;
-
 template <size_t kEntries>
 class ByteTable {
  public:

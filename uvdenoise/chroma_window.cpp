@@ -147,7 +147,7 @@ bool fits_16_bits(const Pass&, FixedTolerance) { return true; }
 // the rule one line after the other: the same bytes only if lines do not touch each other.
 template <class Rule>
 bool takes_vectors(const Grid& grid, const Pass& pass, const Rule& rule) {
-  return kVectorized && kHasByteTables && fits_16_bits(pass, rule) &&
+  return kVectorized && fits_16_bits(pass, rule) &&
          grid.row_step >= static_cast<ptrdiff_t>(grid.columns) * kColumnStep;
 }
 

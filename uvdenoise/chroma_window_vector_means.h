@@ -35,12 +35,17 @@ struct WindowSums {
   }
 };
 
-// Every sum of weights that a window may have is a divisor with a reciprocal.
-static_assert(kCentreWeight == kLeastDivisor);
-static_assert(kCentreWeight + kLongestWindow * INT8_MAX == kMostDivisor);
+// The sum of the weights in a window lies within these bounds.
+constexpr int kLeastWeightSum = kCentreWeight;
+constexpr int kMostWeightSum = kCentreWeight + kLongestWindow * INT8_MAX;
 
-// Returns floor(y / w) for signed y, with r = reciprocals(w). As r is within 1/2 of 2^15 / w,
-// y * r / 2^15 is within 1/2 of y / w, and rounded to the nearest it is the quotient or one more.
+ZAVRI_INLINE S16 weight_reciprocals(U16 w) {
+  return reciprocals<kLeastWeightSum, kMostWeightSum>(w);
+}
+
+// Returns floor(y / w) for signed y, with r = weight_reciprocals(w). As r is within 1/2 of
+// 2^15 / w, y * r / 2^15 is within 1/2 of y / w, and rounded to the nearest it is the quotient or
+// one more.
 ZAVRI_INLINE U16 floor_quotient(U16 y, U16 w, S16 r) {
   const U16 q = (U16)mul_high_rounded((S16)y, r);
   const U16 remainder = y - q * w;  // below 0 exactly where q is one more
@@ -70,8 +75,8 @@ class WeightedMean {
 
   ZAVRI_INLINE static Cell mean(const WindowSums& sums, Cell centre) {
     const Wide& w = sums.weight;
-    const S16 lower = reciprocals(w.lower);
-    const S16 upper = reciprocals(w.upper);
+    const S16 lower = weight_reciprocals(w.lower);
+    const S16 upper = weight_reciprocals(w.upper);
     const auto moved = [&](S8 sample, const Wide& sum) {
       const S8 by = narrow_signed({floor_quotient(sum.lower + (w.lower >> 1), w.lower, lower),
                                    floor_quotient(sum.upper + (w.upper >> 1), w.upper, upper)});

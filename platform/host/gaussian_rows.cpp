@@ -53,8 +53,8 @@ void blur_plain(GaussianBand band, size_t first, size_t last) {
 // Returns the sums along a row that are centred on row[0] and the bytes after it.
 ZAVRI_INLINE Wide sums_along(const uint8_t* row) {
   static_assert(kGaussianReach == 2);
-  const Wide sums = add_samples(widen(load(row + 2)), load(row - 2), 1, load(row - 1), 4);
-  return add_samples(sums, load(row), 6, load(row + 1), 4);
+  const Wide sums = add_weighted_bytes(widen(load(row + 2)), load(row - 2), 1, load(row - 1), 4);
+  return add_weighted_bytes(sums, load(row), 6, load(row + 1), 4);
 }
 
 // Rows are fetched so many bytes ahead, because walking down the rows, a vector's width at a time,

@@ -4,17 +4,18 @@
 // with them, and lanes_generic.h serves the others without intrinsics.
 //
 //   load_windows(from, offsets)     block i is the 16 bytes at from + offsets[i]
-//   lookup_in_blocks(U8 v, U8 i)    in each block byte v[i[k]] at k, i 0 .. 15
-//   add_samples(Wide, U8 a, int weight_a, U8 b, int weight_b)
+//   shuffle_blocks(U8 v, U8 i)      in each block byte v[i[k]] at k, i 0 .. 15
+//   add_weighted_bytes(Wide, U8 a, int weight_a, U8 b, int weight_b)
 //                                   adds weight_a * a + weight_b * b, weights 0 .. 127
 //   diagonal_means(U8 a, U8 b, U8 c, U8 d)
 //                                   (3a + b + c + 3d) >> 3 as ad, (a + 3b + 3c + d) >> 3 as bc
 //   quarter_sums(U8 p, U8 q, U8 r, U8 s)
-//                                   -9p + 111q + 29r - 3s - 128 * 128 as a Wide, below 2^15
+//                                   p, q, r and s weighted with kQuarterWeights, in sum, less
+//                                   128 * 128, as a Wide, below 2^15
 //   splat_sums(int32_t x)           x in every lane
 //   FourWeights(weights).sum(S16 a, S16 b, S16 c, S16 d)
 //                                   weights[0] * a + .. + weights[3] * d as Sums
-//   add_products(Sums, S16 a, int16_t weight_a, S16 b, int16_t weight_b)
+//   add_weighted_words(Sums, S16 a, int16_t weight_a, S16 b, int16_t weight_b)
 //                                   adds weight_a * a + weight_b * b
 //   narrow_saturated<n>(Sums a, b)  the lanes of a, then those of b, shifted right by n to within
 //                                   16 bits and clamped to 0 .. 255
@@ -28,6 +29,10 @@
 
 namespace zavri::host {
 namespace {
+
+// At 1/4 of the way between two samples the taps of the spline weigh this much, in units of 1/128
+// and exactly.
+constexpr int16_t kQuarterWeights[] = {-9, 111, 29, -3};
 
 struct Sums {
   S32 lower;
@@ -50,4 +55,8 @@ ZAVRI_INLINE Sums splat_sums(int32_t x) { return {splat<S32>(x), splat<S32>(x)};
 #include "platform/host/lanes_neon.h"
 #else
 #include "platform/host/lanes_generic.h"
+#endif
+
+#if !defined(ZAVRI_NEON)
+#include "platform/host/lanes_derived.h"
 #endif

@@ -10,14 +10,14 @@ ZAVRI_INLINE U8 load_windows(const uint8_t* from, const uint32_t* offsets) {
   return load(from + offsets[0]);
 }
 
-ZAVRI_INLINE U8 lookup_in_blocks(U8 v, U8 i) {
+ZAVRI_INLINE U8 shuffle_blocks(U8 v, U8 i) {
   static_assert(kBlocks == 1);
   U8 found{};
   for (size_t k = 0; k < kVectorBytes; ++k) found[k] = v[i[k]];
   return found;
 }
 
-ZAVRI_INLINE Wide add_samples(Wide sums, U8 a, int weight_a, U8 b, int weight_b) {
+ZAVRI_INLINE Wide add_weighted_bytes(Wide sums, U8 a, int weight_a, U8 b, int weight_b) {
   const Wide wide_a = widen(a);
   const Wide wide_b = widen(b);
   const auto a16 = static_cast<uint16_t>(weight_a);
@@ -26,38 +26,18 @@ ZAVRI_INLINE Wide add_samples(Wide sums, U8 a, int weight_a, U8 b, int weight_b)
           sums.upper + wide_a.upper * a16 + wide_b.upper * b16};
 }
 
-ZAVRI_INLINE Diagonals diagonal_means(U8 a, U8 b, U8 c, U8 d) {
-  const auto eighth = [](U8 a1, U8 a2, U8 b1, U8 b2) {
-    const Wide sums = add_samples(add_samples(Wide{}, a1, 3, a2, 3), b1, 1, b2, 1);
-    return narrow(Wide{sums.lower >> 3, sums.upper >> 3});
-  };
-  return {eighth(a, d, b, c), eighth(b, c, a, d)};
-}
-
 ZAVRI_INLINE Wide quarter_sums(U8 p, U8 q, U8 r, U8 s) {
-  const Wide add = add_samples(Wide{}, q, 111, r, 29);
-  const Wide subtract = add_samples(Wide{}, p, 9, s, 3);
+  const Wide add = add_weighted_bytes(Wide{}, q, kQuarterWeights[1], r, kQuarterWeights[2]);
+  const Wide subtract = add_weighted_bytes(Wide{}, p, -kQuarterWeights[0], s, -kQuarterWeights[3]);
   return {add.lower - subtract.lower - 128 * 128, add.upper - subtract.upper - 128 * 128};
 }
 
-ZAVRI_INLINE Sums add_products(Sums sums, S16 a, int16_t weight_a, S16 b, int16_t weight_b) {
+ZAVRI_INLINE Sums add_weighted_words(Sums sums, S16 a, int16_t weight_a, S16 b, int16_t weight_b) {
   const auto lower = [](S16 v) { return (S32)interleave_lower(S16{}, v) >> 16; };
   const auto upper = [](S16 v) { return (S32)interleave_upper(S16{}, v) >> 16; };
   return {sums.lower + lower(a) * weight_a + lower(b) * weight_b,
           sums.upper + upper(a) * weight_a + upper(b) * weight_b};
 }
-
-class FourWeights {
- public:
-  ZAVRI_INLINE explicit FourWeights(const int16_t* weights) { memcpy(of_, weights, sizeof of_); }
-
-  ZAVRI_INLINE Sums sum(S16 a, S16 b, S16 c, S16 d) const {
-    return add_products(add_products(Sums{}, a, of_[0], b, of_[1]), c, of_[2], d, of_[3]);
-  }
-
- private:
-  int16_t of_[4];
-};
 
 template <int kBits>
 ZAVRI_INLINE U8 narrow_saturated(Sums a, Sums b) {
@@ -72,13 +52,6 @@ ZAVRI_INLINE U8 narrow_saturated(Sums a, Sums b) {
         .even;
   };
   return narrow(pack(a), pack(b));
-}
-
-template <int kBits>
-ZAVRI_INLINE U8 narrow_rounded(Sums a, Sums b) {
-  constexpr int kAdded = (128 << kBits) + (1 << (kBits - 1));
-  return narrow_saturated<kBits>(Sums{a.lower + kAdded, a.upper + kAdded},
-                                 Sums{b.lower + kAdded, b.upper + kAdded});
 }
 
 }  // namespace

@@ -9,7 +9,7 @@ ZAVRI_INLINE U8 load_windows(const uint8_t* from, const uint32_t* offsets) {
   return load(from + offsets[0]);
 }
 
-ZAVRI_INLINE U8 lookup_in_blocks(U8 v, U8 i) {
+ZAVRI_INLINE U8 shuffle_blocks(U8 v, U8 i) {
   const auto table = (uint8x16_t)v;
   const auto index = (uint8x16_t)i;
 #ifdef __aarch64__
@@ -21,7 +21,7 @@ ZAVRI_INLINE U8 lookup_in_blocks(U8 v, U8 i) {
 #endif
 }
 
-ZAVRI_INLINE Wide add_samples(Wide sums, U8 a, int weight_a, U8 b, int weight_b) {
+ZAVRI_INLINE Wide add_weighted_bytes(Wide sums, U8 a, int weight_a, U8 b, int weight_b) {
   const auto add = [&sums](U8 samples, int weight) {
     const auto bytes = (uint8x16_t)samples;
     const uint8x8_t weights = vdup_n_u8(static_cast<uint8_t>(weight));
@@ -55,10 +55,13 @@ ZAVRI_INLINE Diagonals diagonal_means(U8 a, U8 b, U8 c, U8 d) {
 }
 
 ZAVRI_INLINE Wide quarter_sums(U8 p, U8 q, U8 r, U8 s) {
-  const auto sum = [](uint8x8_t p8, uint8x8_t q8, uint8x8_t r8, uint8x8_t s8) {
-    const uint16x8_t with_q = vmlal_u8(vdupq_n_u16(0x10000 - 128 * 128), q8, vdup_n_u8(111));
-    const uint16x8_t with_qr = vmlal_u8(with_q, r8, vdup_n_u8(29));
-    return (U16)vmlsl_u8(vmlsl_u8(with_qr, p8, vdup_n_u8(9)), s8, vdup_n_u8(3));
+  const auto weight = [](int value) { return vdup_n_u8(static_cast<uint8_t>(value)); };
+  const auto sum = [weight](uint8x8_t p8, uint8x8_t q8, uint8x8_t r8, uint8x8_t s8) {
+    const uint16x8_t with_q =
+        vmlal_u8(vdupq_n_u16(0x10000 - 128 * 128), q8, weight(kQuarterWeights[1]));
+    const uint16x8_t with_qr = vmlal_u8(with_q, r8, weight(kQuarterWeights[2]));
+    return (U16)vmlsl_u8(vmlsl_u8(with_qr, p8, weight(-kQuarterWeights[0])), s8,
+                         weight(-kQuarterWeights[3]));
   };
   const auto low = [](U8 v) { return vget_low_u8((uint8x16_t)v); };
   const auto high = [](U8 v) { return vget_high_u8((uint8x16_t)v); };
@@ -84,7 +87,7 @@ class FourWeights {
   int16x4_t of_;
 };
 
-ZAVRI_INLINE Sums add_products(Sums sums, S16 a, int16_t weight_a, S16 b, int16_t weight_b) {
+ZAVRI_INLINE Sums add_weighted_words(Sums sums, S16 a, int16_t weight_a, S16 b, int16_t weight_b) {
   const auto add = [&sums](S16 lanes, int16_t weight) {
     const auto samples = (int16x8_t)lanes;
     sums.lower = (S32)vmlal_n_s16((int32x4_t)sums.lower, vget_low_s16(samples), weight);

@@ -16,22 +16,14 @@ ZAVRI_INLINE U8 load_windows(const uint8_t* from, const uint32_t* offsets) {
 #endif
 }
 
-ZAVRI_INLINE U8 lookup_in_blocks(U8 v, U8 i) {
+ZAVRI_INLINE U8 shuffle_blocks(U8 v, U8 i) {
   return (U8)ZAVRI_MM(shuffle_epi8, (Native)v, (Native)i);
 }
 
-ZAVRI_INLINE Wide add_samples(Wide sums, U8 a, int weight_a, U8 b, int weight_b) {
+ZAVRI_INLINE Wide add_weighted_bytes(Wide sums, U8 a, int weight_a, U8 b, int weight_b) {
   const S8 weights = (S8)splat<U16>(static_cast<uint16_t>(weight_a | weight_b << 8));
   return {sums.lower + (U16)multiply_add_pairs(interleave_lower(a, b), weights),
           sums.upper + (U16)multiply_add_pairs(interleave_upper(a, b), weights)};
-}
-
-ZAVRI_INLINE Diagonals diagonal_means(U8 a, U8 b, U8 c, U8 d) {
-  const auto eighth = [](U8 a1, U8 a2, U8 b1, U8 b2) {
-    const Wide sums = add_samples(add_samples(Wide{}, a1, 3, a2, 3), b1, 1, b2, 1);
-    return narrow(Wide{sums.lower >> 3, sums.upper >> 3});
-  };
-  return {eighth(a, d, b, c), eighth(b, c, a, d)};
 }
 
 ZAVRI_INLINE Wide quarter_sums(U8 p, U8 q, U8 r, U8 s) {
@@ -44,13 +36,13 @@ ZAVRI_INLINE Wide quarter_sums(U8 p, U8 q, U8 r, U8 s) {
   const S8 ps[] = {(S8)interleave_lower(offset(p), offset(s)),
                    (S8)interleave_upper(offset(p), offset(s))};
   const auto sum = [&](int half) {
-    return (U16)(multiply_add_pairs(weights(111, 29), qr[half]) -
-                 multiply_add_pairs(weights(9, 3), ps[half]));
+    return (U16)(multiply_add_pairs(weights(kQuarterWeights[1], kQuarterWeights[2]), qr[half]) -
+                 multiply_add_pairs(weights(-kQuarterWeights[0], -kQuarterWeights[3]), ps[half]));
   };
   return {sum(0), sum(1)};
 }
 
-ZAVRI_INLINE Sums add_products(Sums sums, S16 a, int16_t weight_a, S16 b, int16_t weight_b) {
+ZAVRI_INLINE Sums add_weighted_words(Sums sums, S16 a, int16_t weight_a, S16 b, int16_t weight_b) {
   const S32 weights = splat<S32>((weight_a & 0xffff) | weight_b * 0x10000);
   const auto products = [weights](S16 pairs) {
     return (S32)ZAVRI_MM(madd_epi16, (Native)pairs, (Native)weights);
@@ -59,31 +51,12 @@ ZAVRI_INLINE Sums add_products(Sums sums, S16 a, int16_t weight_a, S16 b, int16_
           sums.upper + products(interleave_upper(a, b))};
 }
 
-class FourWeights {
- public:
-  ZAVRI_INLINE explicit FourWeights(const int16_t* weights) { memcpy(of_, weights, sizeof of_); }
-
-  ZAVRI_INLINE Sums sum(S16 a, S16 b, S16 c, S16 d) const {
-    return add_products(add_products(Sums{}, a, of_[0], b, of_[1]), c, of_[2], d, of_[3]);
-  }
-
- private:
-  int16_t of_[4];
-};
-
 template <int kBits>
 ZAVRI_INLINE U8 narrow_saturated(Sums a, Sums b) {
   const auto pack = [](Sums sums) {
     return (U16)ZAVRI_MM(packs_epi32, (Native)(sums.lower >> kBits), (Native)(sums.upper >> kBits));
   };
   return narrow(pack(a), pack(b));
-}
-
-template <int kBits>
-ZAVRI_INLINE U8 narrow_rounded(Sums a, Sums b) {
-  constexpr int kAdded = (128 << kBits) + (1 << (kBits - 1));
-  return narrow_saturated<kBits>(Sums{a.lower + kAdded, a.upper + kAdded},
-                                 Sums{b.lower + kAdded, b.upper + kAdded});
 }
 
 }  // namespace

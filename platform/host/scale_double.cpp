@@ -39,10 +39,9 @@ void linear(const uint8_t* above, const uint8_t* below, size_t count, uint8_t* u
   lower[2 * count - 1] = linear_end(below[last], above[last]);
 }
 
-// At 1/4 of the way the taps of the spline weigh -9, 111, 29 and -3 of 1/128, exactly. A product of
-// the general rule, which it rounds to 1/128 of a level, then needs no rounding, so that rows and
-// columns may change places: first the rows are summed, less the offset of all samples.
-constexpr int16_t kWeights[] = {-9, 111, 29, -3};
+// The general rule rounds its products to 1/128 of a level. With kQuarterWeights they need no
+// rounding, so that rows and columns may change places: here the rows are summed first, less the
+// offset of all samples.
 constexpr int kShift = 14;
 constexpr int kSampleOffset = 128;
 
@@ -73,8 +72,8 @@ ZAVRI_INLINE void double_spline(const FourWeights& weights, const int16_t* sums,
 }
 
 uint8_t spline_end(int outer, int near, int far, int outer_far) {
-  const int sum =
-      kWeights[0] * outer + kWeights[1] * near + kWeights[2] * far + kWeights[3] * outer_far;
+  const int16_t* const w = kQuarterWeights;
+  const int sum = w[0] * outer + w[1] * near + w[2] * far + w[3] * outer_far;
   const int value = ((sum + (1 << (kShift - 1))) >> kShift) + kSampleOffset;
   return static_cast<uint8_t>(std::clamp(value, 0, 255));
 }
@@ -84,7 +83,7 @@ void spline(const uint8_t* const* rows_in, size_t count, int16_t* sums, uint8_t*
   for_vectors(0, count, [&](size_t i) { sum_rows(rows, i, sums); });
   const int16_t first = sums[0];
   const int16_t last = sums[count - 1];
-  const FourWeights weights(kWeights);
+  const FourWeights weights(kQuarterWeights);
   sums[-1] = first;
   sums[count] = last;
   for_vectors(0, count - 1, [=](size_t i) { double_spline(weights, sums, i, to); });

@@ -47,7 +47,7 @@ void filter_plain(const RowPlan& plan, size_t from, const uint8_t* source, int16
 constexpr size_t kLanes = kVectorBytes / 2;
 
 ZAVRI_INLINE S16 linear_sums(const RowPlan& plan, size_t x, U8 window) {
-  const U8 samples = lookup_in_blocks(window, load(plan.pairs + x));
+  const U8 samples = shuffle_blocks(window, load(plan.pairs + x));
   return multiply_add_pairs(load(plan.pair_weights + x), (S8)(samples ^ kSampleOffset));
 }
 
@@ -59,7 +59,7 @@ ZAVRI_INLINE S16 spline_sums(const RowPlan& plan, size_t x, U8 window) {
   S16 sum{};
   for (int j = 0; j < 4; j += 2) {
     const U8 places = pairs + static_cast<uint8_t>(j);
-    const U16 samples = (U16)(lookup_in_blocks(window, places) ^ kSampleOffset);
+    const U16 samples = (U16)(shuffle_blocks(window, places) ^ kSampleOffset);
     const S16 first = (S16)(samples << 8);
     const S16 second = (S16)(samples & 0xff00);
     sum += mul_high_rounded(first, load<S16>(plan.weights[j] + x));
@@ -96,8 +96,8 @@ template <Scheme kScheme>
 ZAVRI_INLINE Sums mixed(const int16_t* const* rows, const int16_t* weights, size_t x) {
   Sums sum = splat_sums(completion(kScheme));
   for (int j = 0; j < taps_of(kScheme); j += 2) {
-    sum = add_products(sum, load<S16>(rows[j] + x), weights[j], load<S16>(rows[j + 1] + x),
-                       weights[j + 1]);
+    sum = add_weighted_words(sum, load<S16>(rows[j] + x), weights[j], load<S16>(rows[j + 1] + x),
+                             weights[j + 1]);
   }
   return sum;
 }

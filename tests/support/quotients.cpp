@@ -15,7 +15,7 @@ constexpr int kLanes = kVectorBytes / 2;
 
 void check_quotients_by(int weight, QuotientCheck& check) {
   const U16 w = splat<U16>(static_cast<uint16_t>(weight));
-  const S16 r = reciprocals(w);
+  const S16 r = weight_reciprocals(w);
   for (int first = INT16_MIN; first <= INT16_MAX; first += kLanes) {
     U16 y;
     for (int i = 0; i < kLanes; ++i) y[i] = static_cast<uint16_t>(first + i);
@@ -33,7 +33,7 @@ void check_quotients_by(int weight, QuotientCheck& check) {
 
 QuotientCheck check_quotients(ThisBuild) {
   QuotientCheck check{};
-  for (int weight = kLeastDivisor; weight <= kMostDivisor; weight += kStep) {
+  for (int weight = kLeastWeightSum; weight <= kMostWeightSum; weight += kStep) {
     check_quotients_by(weight, check);
   }
   return check;
