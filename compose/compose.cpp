@@ -39,7 +39,7 @@ void lay_out(const T_ComposeParam& param, uint8_t* scratch) {
     uint8_t* const scratch_chroma = scratch + (pixels >> 1);
     // What the fill leaves out must not show what the heap held before.
     memset(scratch, 0, (pixels * 3) >> 2);
-    // Another mode is no error: the frames are just not drawn.
+    // A mode above 3 is no error: the frames are just not drawn.
     if (param.mode < kPaddingModes) fill_picture(param, param.mode, scratch, scratch_chroma);
     memcpy(luma, scratch, pixels >> 1);
     memcpy(chroma, scratch_chroma, pixels >> 2);

@@ -84,7 +84,8 @@ int32_t loadYuv(uint8_t* base, T_DumpFrameInfo info) {
                         "[ZavriDebug] night shot dump yuv, file exist, file is not exist");
     return 0;
   }
-  // On purpose the file is opened as for a dump; the result is not checked either.
+  // On purpose the file is opened as for a dump. The result is not checked: after a failure the
+  // calls below fail one by one.
   const int file = zavri::open_raw(path.text, zavri::kCreate);
   zavri::for_each_stretch(info, [&](uint32_t position, uint32_t bytes) {
     zavri::read_raw(file, base + position, bytes);

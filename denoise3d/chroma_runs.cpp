@@ -49,7 +49,8 @@ __attribute__((noinline)) void smooth_line(uint8_t* line, size_t step, size_t pa
 
 // of[n] is ceil(2^32 / n), and x * of[n] >> 32 is x / n rounded down, exactly, for x < 256 * n.
 // With e = n * of[n] - 2^32, which is below n, the product exceeds 2^32 * (x / n) by x * e / n <
-// 256 * n. The next integer is at least 2^32 * (1 / n) away, which is more.
+// 256 * n. The next integer is at least 2^32 * (1 / n) away, which is more. For n = 3, of[3] is
+// 1431655766, and 767 times that is 255.67 * 2^32: the quotient is 255.
 struct Reciprocals {
   uint32_t of[256];
   constexpr Reciprocals() : of{} {
@@ -149,7 +150,8 @@ void smooth_sequence(uint8_t* plane, size_t bytes) {
 // Holds the runs that lead down the columns of one vector. The sums wrap, but by how much one
 // exceeds anchor * count stays right, because it is small: each pair adds less than kRunTolerance
 // to it or takes as little from it, which with the rounding term fits 16 bits for kTallestColumn
-// rows.
+// rows. 1000 samples of 201 behind an anchor of 200 wrap to a sum of 4392 and 200 * 1000 wraps to
+// 3392: 1000 is the excess, and the mean is 201.
 struct ColumnRuns {
   U8 anchor;
   U16 sum_u;
@@ -177,8 +179,9 @@ struct ColumnRuns {
   }
 
  private:
-  // The excess over anchor * count may be negative: floor(x / n) is then ~floor(~x / n). As its
-  // magnitude is below kRunTolerance * count, the quotient is a small one.
+  // The excess over anchor * count may be negative: floor(x / n) is then ~floor(~x / n), as for
+  // -7 / 2 ~(6 / 2) = ~3 = -4. The excess is within kRunTolerance * count, which makes the quotient
+  // a small one.
   ZAVRI_INLINE U16 mean(U16 sum, U16 anchor_sample) const {
     static_assert(kRunTolerance <= 32);
     const U16 excess = sum - anchor_sample * count + (count >> 1);

@@ -2,10 +2,10 @@
 
 #include <cstdint>
 
-// The functions of the vendor's vision library libfastcvopt.so that the library calls, with the
-// vendor's signatures. On a phone they are the vendor's, whose choice of taps, rounding and borders
-// then holds; elsewhere platform/host brings a portable libfastcvopt.so. Sizes are in pixels and
-// strides in bytes. Planes must not overlap.
+// These are the functions of the vendor's vision library libfastcvopt.so that the library calls,
+// with the vendor's signatures. On a phone its choice of taps, rounding and borders holds;
+// elsewhere platform/host brings a portable libfastcvopt.so. Sizes are in pixels and strides in
+// bytes. Planes must not overlap.
 
 extern "C" {
 

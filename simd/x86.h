@@ -183,7 +183,7 @@ class PairSums {
   }
 
   // Both totals, below 2^32, go through one sum of lanes: sum_bytes leaves the upper half of every
-  // 64-bit lane 0, which takes the odd ones.
+  // 64-bit lane 0, where the sums of odd bytes are put.
   ZAVRI_INLINE PairTotals totals() const {
     const uint64_t both = sum_lanes((U64)(all_ - odd_) + ((U64)odd_ << 32));
     return {static_cast<uint32_t>(both), static_cast<uint32_t>(both >> 32)};

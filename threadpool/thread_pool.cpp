@@ -107,7 +107,7 @@ void ThreadPool::execute_thread() {
     while (pool_state != kStopped && task_queue.empty()) {
       pthread_cond_wait(&task_cond, &task_lock.mutex);
     }
-    // The stop flag wins over queued work.
+    // The stop flag wins over queued work, so that a pool stops after the tasks that run now.
     if (pool_state == kStopped) {
       task_lock.unlock();
       pthread_exit(nullptr);

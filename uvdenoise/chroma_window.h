@@ -28,7 +28,8 @@ struct Window {
   int before;
   int after;
 };
-// A window's before + after lies within these bounds; that of the plain mean has a lower one.
+// A window's before + after lies within the first two bounds; for the plain mean it is at most the
+// third.
 inline constexpr int kShortestWindow = 6;
 inline constexpr int kLongestWindow = 18;
 inline constexpr int kLongestTolerantWindow = 10;

@@ -66,8 +66,9 @@ ZAVRI_EXPORT void zavri_mp_single_UV_denoise_inner_11(const void* strip, const v
 /* Does nothing and returns 0. */
 ZAVRI_EXPORT uint32_t zavri_mp_single_UV_denoise(T_UVDenoiseParam* param);
 
-/* Room: how many bytes the strips of one record may touch, for the K of its kernel_size. The fixed
- * tolerance stays within the plane's rows whatever these say. docs/memory.md derives the bounds. */
+/* These functions say how many bytes the strips of one record may touch, for the K of its
+ * kernel_size. The fixed tolerance stays within the plane's rows whatever they say. docs/memory.md
+ * derives the bounds. */
 
 /* This is r: a window has so many filtered pairs to either side of its centre. */
 static inline size_t zavri_room_uv_denoise_reach(const T_UVDenoiseParam* param) {

@@ -56,16 +56,18 @@ ZAVRI_EXPORT void zavri_mp_compose_two_same_frame_padding_center(T_ComposeParam*
 ZAVRI_EXPORT void zavri_mp_compose_two_same_frame_padding_left_right(T_ComposeParam* param,
                                                                      uint8_t* scratch);
 
-/* Room: how many bytes one call with this record may touch; docs/memory.md derives the bounds. */
+/* These functions say how many bytes one call with this record may touch; docs/memory.md derives
+ * the bounds. */
 
-/* The room of each of the three frames. For an odd height it is half a row more than the planes. */
+/* Returns the room of each of the three frames, for an odd height half a row more than the planes.
+ */
 static inline size_t zavri_room_compose_frame(const T_ComposeParam* param) {
   const size_t width = param->width;
   const size_t pixels = width * param->height;
   return pixels + pixels / 2;
 }
 
-/* The room of `scratch` for the four functions above. */
+/* Returns the room of `scratch` for the four functions above. */
 static inline size_t zavri_room_compose_scratch(const T_ComposeParam* param) {
   const size_t width = param->width;
   const size_t pixels = width * param->height;

@@ -120,8 +120,8 @@ ZAVRI_EXPORT uint32_t zavri_mp_3D_YUV_denoise(T_3DYuvDenoiseParam* param);
  * nothing when either is null. Strips of one frame may run at the same time. */
 ZAVRI_EXPORT void zavri_mp_3D_YUV_denoise_inner(const void* strip, const void* param, void* unused);
 
-/* Room: how many bytes, counted from the first of a plane, one call with this record may touch. It
- * writes those of the reference frame; of the other frames it reads no more than that. Only the
+/* These functions say how many bytes, counted from the first of a plane, one call with this record
+ * may touch. A call writes those of the reference frame and reads no more of the others. Only the
  * geometry, frame_num, gain and the switches count. docs/memory.md derives the bounds. */
 
 /* The last strip has this many chroma rows, the others have height / 8. */
@@ -138,7 +138,8 @@ static inline size_t zavri_room_denoise_drift(const T_3DYuvDenoiseParam* param) 
   return 2 * pairs * zavri_room_denoise_last_rows(param);
 }
 
-/* The room of luma, from frame_y[k] on. A uv_offset of at least that keeps the planes apart. */
+/* Returns the room of luma, from frame_y[k] on. A uv_offset of at least that much keeps the planes
+ * apart. */
 static inline size_t zavri_room_denoise_luma(const T_3DYuvDenoiseParam* param) {
   const size_t start = (kZavriStrips - 1) * (param->height / 4);
   const size_t rows = start + 2 * zavri_room_denoise_last_rows(param);
@@ -146,7 +147,7 @@ static inline size_t zavri_room_denoise_luma(const T_3DYuvDenoiseParam* param) {
   return (rows - 1) * param->y_stride + param->width + zavri_room_denoise_drift(param);
 }
 
-/* The room of chroma, from frame_y[k] + uv_offset on. */
+/* Returns the room of chroma, from frame_y[k] + uv_offset on. */
 static inline size_t zavri_room_denoise_chroma(const T_3DYuvDenoiseParam* param) {
   const size_t rows = param->height / 2;
   const size_t stride = param->uv_stride;

@@ -56,17 +56,17 @@ ZAVRI_EXPORT uint32_t zavri_mp_resize_process(T_ResizeParam* param);
  * process crashes. Strips of one frame may run at the same time. */
 ZAVRI_EXPORT void zavri_mp_yuv_resize_inner(const void* strip, const void* unused0, void* unused1);
 
-/* Room: how many bytes, counted from the first of a plane, one call may read of a source and write
- * of a destination with these sizes, for every height but 4 and 5. docs/memory.md derives the
- * bounds. */
+/* These functions say how many bytes, counted from the first of a plane, one call may read of a
+ * source and write of a destination with these sizes, for every height but 4 and 5. docs/memory.md
+ * derives the bounds. */
 
-/* The room of luma. */
+/* Returns the room of luma. */
 static inline size_t zavri_room_resize_luma(uint16_t width, uint16_t height, uint16_t stride) {
   const size_t rows = height;
   return rows == 0 ? 0 : (rows - 1) * stride + width;
 }
 
-/* The room of chroma. For an odd height it is half a row more than height / 2 rows. */
+/* Returns the room of chroma, for an odd height half a row more than height / 2 rows. */
 static inline size_t zavri_room_resize_chroma(uint16_t height, uint16_t stride) {
   const size_t rows = height;
   return rows * stride / 4 * 2;

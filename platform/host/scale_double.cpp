@@ -9,7 +9,8 @@ namespace {
 
 // The general rule weighs by 3/4 and 1/4 each way: in units of 1/16 the sample A is
 // 9a + 3b + 3c + d, with a half for rounding. That is 8 * (a + 1) and what diagonal_means() divides
-// by 8, and dividing by 8 first changes nothing, because the rest is below 8:
+// by 8, and dividing by 8 first changes nothing, because the rest is below 8. For a = 10, b = 20,
+// c = 30 and d = 40 both forms give 18:
 //
 //     A = (9a + 3b + 3c + d + 8) >> 4 = (a + ((a + 3b + 3c + d) >> 3) + 1) >> 1
 ZAVRI_INLINE void double_linear(const uint8_t* above, const uint8_t* below, size_t i,

@@ -7,9 +7,9 @@
 
 namespace zavri::host {
 
-// Kernels for planes of exactly twice the width and the height, with the bytes of the kernels of
-// platform/host/scale_rows.h. Two samples of the result lie between two neighbours of the source,
-// at 1/4 and 3/4 of the way, and two rows likewise:
+// These kernels scale planes to exactly twice the width and the height, with the bytes of the
+// kernels of platform/host/scale_rows.h. Two samples of the result lie between two neighbours of
+// the source, at 1/4 and 3/4 of the way, and two rows likewise:
 //
 //     a . . b        the neighbours a, b, c and d of the source
 //     . A B .        and the four samples of the result between them

@@ -16,14 +16,14 @@ namespace zavri::host {
 //     . . . . . .   ->   o o o o   -+
 //
 enum class Scheme {
-  // Two taps each way, with weights in units of 1/256. Only the result is rounded, by
+  // There are two taps each way, with weights in units of 1/256. Only the result is rounded, by
   // (v + 2^15) >> 16.
   kLinear,
-  // Two taps each way, where a weight along times one across is a multiple of 1/256. In these units
-  // everything fits 16 bits, and (v + 2^7) >> 8 rounds the result.
+  // There are two taps each way, and a weight along times one across is a multiple of 1/256. In
+  // these units everything fits 16 bits, and (v + 2^7) >> 8 rounds the result.
   kLinearShort,
-  // Four taps each way, with weights in units of 1/2^14. Products along are rounded to 1/128, the
-  // result is rounded by (v + 2^20) >> 21 and saturated.
+  // There are four taps each way, with weights in units of 1/2^14. Products along are rounded to
+  // 1/128, the result is rounded by (v + 2^20) >> 21 and saturated.
   kSpline,
 };
 
