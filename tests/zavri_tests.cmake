@@ -29,8 +29,8 @@ add_executable(zavri_program_test
   support/program.cpp)
 target_link_libraries(zavri_program_test PRIVATE zavri_sensor zavricustpro GTest::gtest_main)
 target_compile_definitions(zavri_program_test PRIVATE
-  ZAVRI_COMMAND="$<TARGET_FILE:zavri>"
-  ZAVRI_PLAIN_CALLER="$<TARGET_FILE:zavri_plain_caller>")
+  ZAVRI_COMMAND="'$<TARGET_FILE:zavri>'"
+  ZAVRI_PLAIN_CALLER="'$<TARGET_FILE:zavri_plain_caller>'")
 add_dependencies(zavri_program_test zavri zavri_plain_caller)
 if(ZAVRI_SANITIZE MATCHES "thread")
   # Strips at once race for the rows that they share, by design.
@@ -44,4 +44,7 @@ if(NOT ZAVRI_SANITIZE AND NOT CMAKE_CROSSCOMPILING)
             ${PROJECT_SOURCE_DIR}/README.md
             /usr/share/backgrounds/seeding_by_Clements_Engelhardt.jpg)
   set_tests_properties(readme_examples PROPERTIES SKIP_RETURN_CODE 77)
+  add_test(NAME install
+    COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/install/install_test.sh ${PROJECT_BINARY_DIR}
+            ${CMAKE_COMMAND} ${CMAKE_CPACK_COMMAND} ${CMAKE_C_COMPILER} ${CMAKE_CXX_COMPILER})
 endif()

@@ -1,5 +1,7 @@
 #include "tools/command_line.h"
 
+#include <zavricustpro/base.h>
+
 #include <CLI/CLI.hpp>
 #include <algorithm>
 

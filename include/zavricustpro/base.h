@@ -4,6 +4,9 @@
 #include <stddef.h>
 #include <stdint.h>
 
+/* The version of this header; no function tells that of the library. */
+#define ZAVRI_VERSION "0.1.0"
+
 #define ZAVRI_EXPORT __attribute__((visibility("default")))
 
 /* The multi-frame denoise, the resize and the chroma denoise cut a frame into this many horizontal

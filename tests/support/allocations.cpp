@@ -9,6 +9,13 @@ namespace {
 
 WatchAllocations* g_watch = nullptr;
 
+// Records a request, and tells whether it is to fail.
+bool refused(size_t size) {
+  if (g_watch == nullptr) return false;
+  g_watch->sizes.push_back(size);
+  return g_watch->outcome == WatchAllocations::Outcome::kFail;
+}
+
 }  // namespace
 
 WatchAllocations::WatchAllocations(Outcome wanted) : outcome(wanted) { g_watch = this; }
@@ -18,20 +25,24 @@ WatchAllocations::~WatchAllocations() { g_watch = nullptr; }
 }  // namespace zavri::testing
 
 using zavri::testing::g_watch;
+using zavri::testing::refused;
 using zavri::testing::WatchAllocations;
 
 extern "C" {
 void* __real_malloc(size_t);
+void* __real_calloc(size_t, size_t);
 void __real_free(void*);
 
 void* __wrap_malloc(size_t size) {
-  if (g_watch != nullptr) {
-    g_watch->sizes.push_back(size);
-    if (g_watch->outcome == WatchAllocations::Outcome::kFail) return nullptr;
-  }
+  if (refused(size)) return nullptr;
   void* const block = __real_malloc(size);
   if (g_watch != nullptr && block != nullptr) memset(block, WatchAllocations::kFill, size);
   return block;
+}
+
+// An optimising link turns malloc and a memset to 0 into one call of it.
+void* __wrap_calloc(size_t count, size_t size) {
+  return refused(count * size) ? nullptr : __real_calloc(count, size);
 }
 
 void __wrap_free(void* pointer) {

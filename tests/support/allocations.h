@@ -3,8 +3,8 @@
 #include <cstddef>
 #include <vector>
 
-// The test executable wraps malloc and free at link time; calls from its own object files pass
-// here, those of shared libraries and of containers do not.
+// The test executable wraps malloc, calloc and free at link time; calls from its own object files
+// pass here, those of shared libraries and of containers do not.
 namespace zavri::testing {
 
 // Records the calls of one thread at a time during its lifetime.
