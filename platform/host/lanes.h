@@ -5,8 +5,10 @@
 //
 //   load_windows(from, offsets)     block i is the 16 bytes at from + offsets[i]
 //   shuffle_blocks(U8 v, U8 i)      in each block byte v[i[k]] at k, i 0 .. 15
-//   add_weighted_bytes(Wide, U8 a, int weight_a, U8 b, int weight_b)
-//                                   adds weight_a * a + weight_b * b, weights 0 .. 127
+//   binomial_sums(from)             f[-2] + 4 * f[-1] + 6 * f[0] + 4 * f[1] + f[2] with each byte
+//                                   of the vector there as f[0], as a Wide
+//   narrow_high_rounded(Wide a, Wide b)
+//                                   (a + b + 2^7) >> 8 as U8, a + b + 2^7 below 2^16
 //   diagonal_means(U8 a, U8 b, U8 c, U8 d)
 //                                   (3a + b + c + 3d) >> 3 as ad, (a + 3b + 3c + d) >> 3 as bc
 //   quarter_sums(U8 p, U8 q, U8 r, U8 s)

@@ -6,6 +6,15 @@
 namespace zavri::host {
 namespace {
 
+ZAVRI_INLINE Wide binomial_sums(const uint8_t* from) {
+  const Wide sums = add_weighted_bytes(widen(load(from + 2)), load(from - 2), 1, load(from - 1), 4);
+  return add_weighted_bytes(sums, load(from), 6, load(from + 1), 4);
+}
+
+ZAVRI_INLINE U8 narrow_high_rounded(Wide a, Wide b) {
+  return narrow(Wide{(a.lower + b.lower + 128) >> 8, (a.upper + b.upper + 128) >> 8});
+}
+
 ZAVRI_INLINE Diagonals diagonal_means(U8 a, U8 b, U8 c, U8 d) {
   const auto eighth = [](U8 a1, U8 a2, U8 b1, U8 b2) {
     const Wide sums = add_weighted_bytes(add_weighted_bytes(Wide{}, a1, 3, a2, 3), b1, 1, b2, 1);

@@ -21,16 +21,26 @@ ZAVRI_INLINE U8 shuffle_blocks(U8 v, U8 i) {
 #endif
 }
 
-ZAVRI_INLINE Wide add_weighted_bytes(Wide sums, U8 a, int weight_a, U8 b, int weight_b) {
-  const auto add = [&sums](U8 samples, int weight) {
-    const auto bytes = (uint8x16_t)samples;
-    const uint8x8_t weights = vdup_n_u8(static_cast<uint8_t>(weight));
-    sums.lower = (U16)vmlal_u8((uint16x8_t)sums.lower, vget_low_u8(bytes), weights);
-    sums.upper = (U16)vmlal_u8((uint16x8_t)sums.upper, vget_high_u8(bytes), weights);
+ZAVRI_INLINE Wide binomial_sums(const uint8_t* from) {
+  const uint8x16_t a = vld1q_u8(from - 2);
+  const uint8x16_t e = vld1q_u8(from + 2);
+  const uint8x16_t after_a = vextq_u8(e, e, 12);
+  const uint8x16_t b = vextq_u8(a, after_a, 1);
+  const uint8x16_t c = vextq_u8(a, after_a, 2);
+  const uint8x16_t d = vextq_u8(a, after_a, 3);
+  const auto sum = [&](auto half) {
+    uint16x8_t sums = vaddl_u8(half(a), half(e));
+    sums = vmlal_u8(sums, half(b), vdup_n_u8(4));
+    sums = vmlal_u8(sums, half(c), vdup_n_u8(6));
+    return (U16)vmlal_u8(sums, half(d), vdup_n_u8(4));
   };
-  add(a, weight_a);
-  add(b, weight_b);
-  return sums;
+  return {sum([](uint8x16_t v) { return vget_low_u8(v); }),
+          sum([](uint8x16_t v) { return vget_high_u8(v); })};
+}
+
+ZAVRI_INLINE U8 narrow_high_rounded(Wide a, Wide b) {
+  return (U8)vcombine_u8(vraddhn_u16((uint16x8_t)a.lower, (uint16x8_t)b.lower),
+                         vraddhn_u16((uint16x8_t)a.upper, (uint16x8_t)b.upper));
 }
 
 // With ad for a + d and bc for b + c, (ad + 3 * bc) >> 3 is (((ad + bc) >> 1) + bc) >> 2, because
