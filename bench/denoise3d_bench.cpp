@@ -1,11 +1,11 @@
 // Times the row kernels of the multi-frame denoise on 1920x1080, in every build that runs here.
 #include <benchmark/benchmark.h>
 
-#include <chrono>
 #include <memory>
 #include <string>
 
 #include "bench/summary.h"
+#include "bench/timing.h"
 #include "bench/touch.h"
 #include "bench/workload.h"
 #include "denoise3d/chroma_runs.h"
@@ -17,23 +17,6 @@ namespace {
 
 constexpr int kWidth = 1920;
 constexpr int kHeight = 1080;
-
-// Times `work` alone: the kernels work in place, and restoring their input is not their cost.
-template <class Restore, class Work>
-void time_work(benchmark::State& state, Restore restore_input, Work work) {
-  for (auto _ : state) {
-    restore_input();
-    const auto start = std::chrono::steady_clock::now();
-    work();
-    const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - start;
-    state.SetIterationTime(elapsed.count());
-  }
-}
-
-template <class Body>
-void add(const std::string& name, Body body) {
-  benchmark::RegisterBenchmark(name.c_str(), body)->UseManualTime()->Unit(benchmark::kMicrosecond);
-}
 
 struct MergeGroup {
   const char* name;
@@ -80,7 +63,7 @@ void add_merge(const MergeGroup& merge, int others, const std::string& group,
   for (const Build build : kBuilds) {
     if (!runs_here(build)) continue;
     const MergeFunction function = merge_kernels(build).get(merge.kind, others);
-    add(group + build_name(build), [=](benchmark::State& state) {
+    add_restoring_benchmark(group + build_name(build), [=](benchmark::State& state) {
       const Bytes ramp(kWidth, kThreshold - 1);
       time_work(state, restore_input, [&] {
         for (int r = 0; r < kHeight / 2; ++r) {
@@ -89,7 +72,7 @@ void add_merge(const MergeGroup& merge, int others, const std::string& group,
       });
     });
   }
-  add(group + "touch", [=](benchmark::State& state) {
+  add_restoring_benchmark(group + "touch", [=](benchmark::State& state) {
     time_work(state, restore_input, [&] {
       for (int r = 0; r < kHeight / 2; ++r) touch(row_of(*burst, r), merge, others);
     });
@@ -124,11 +107,11 @@ void add_runs(Runs runs, const char* name, const Expectation& sequence,
   for (const Build build : kBuilds) {
     if (!runs_here(build)) continue;
     const ChromaRunKernels& kernels = chroma_run_kernels(build);
-    add(sequence_group + '/' + build_name(build), [=](benchmark::State& state) {
+    add_restoring_benchmark(sequence_group + '/' + build_name(build), [=](benchmark::State& state) {
       time_work(state, restore_input,
                 [&] { kernels.smooth_sequence(plane->data(), plane->size()); });
     });
-    add(columns_group + '/' + build_name(build), [=](benchmark::State& state) {
+    add_restoring_benchmark(columns_group + '/' + build_name(build), [=](benchmark::State& state) {
       constexpr size_t kRows = kHeight / 2 / kZavriStrips;
       time_work(state, restore_input, [&] {
         for (size_t strip = 0; strip < kZavriStrips; ++strip) {
@@ -138,7 +121,7 @@ void add_runs(Runs runs, const char* name, const Expectation& sequence,
     });
   }
   for (const std::string& group : {sequence_group, columns_group}) {
-    add(group + "/touch", [=](benchmark::State& state) {
+    add_restoring_benchmark(group + "/touch", [=](benchmark::State& state) {
       time_work(state, restore_input, [&] { touch_row(plane->data(), nullptr, 0, plane->size()); });
     });
   }

@@ -1,13 +1,13 @@
 // Times the multi-frame denoise as a whole, on one and on two processors, and what its pool costs.
 #include <benchmark/benchmark.h>
 
-#include <chrono>
 #include <cstring>
 #include <memory>
 #include <string>
 
 #include "bench/fan_out.h"
 #include "bench/summary.h"
+#include "bench/timing.h"
 #include "bench/touch.h"
 #include "bench/workload.h"
 #include "include/zavricustpro.h"
@@ -42,7 +42,7 @@ struct Frames {
     param.width = static_cast<uint32_t>(width);
     param.height = static_cast<uint32_t>(height);
     param.y_stride = param.uv_stride = param.width;
-    // Of kModes this record needs most room.
+    // No record of kModes needs more room than this one.
     T_3DYuvDenoiseParam widest = param;
     widest.frame_num = 3;
     widest.switch_b = widest.switch_d = 1;
@@ -75,7 +75,7 @@ void touch_strip(const void* strip, const void* param, void*) {
   const auto& p = *static_cast<const T_3DYuvDenoiseParam*>(param);
   const int s = *static_cast<const int32_t*>(strip);
   const size_t rows = p.height / 8;
-  const size_t end = s == kZavriStrips - 1 ? p.height / 2 : (s + 1) * rows;
+  const size_t end = s == kZavriLastStrip ? p.height / 2 : (s + 1) * rows;
   for (size_t r = s * rows; r < end; ++r) {
     const uint8_t* chroma[3];
     const uint8_t* luma[3];
@@ -94,20 +94,10 @@ void do_nothing(const void*, const void*, void*) {}
 
 template <class Prepare, class Work>
 void add(const std::string& name, int processors, Prepare prepare, Work work) {
-  benchmark::RegisterBenchmark(name.c_str(),
-                               [=](benchmark::State& state) {
-                                 use_processors(processors);
-                                 for (auto _ : state) {
-                                   prepare();
-                                   const auto start = std::chrono::steady_clock::now();
-                                   work();
-                                   const std::chrono::duration<double> elapsed =
-                                       std::chrono::steady_clock::now() - start;
-                                   state.SetIterationTime(elapsed.count());
-                                 }
-                               })
-      ->UseManualTime()
-      ->Unit(benchmark::kMicrosecond);
+  add_restoring_benchmark(name, [=](benchmark::State& state) {
+    use_processors(processors);
+    time_work(state, prepare, work);
+  });
 }
 
 void add_entry(int width, int height) {

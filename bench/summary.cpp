@@ -1,7 +1,8 @@
 #include "bench/summary.h"
 
-#include <algorithm>
 #include <cstdio>
+
+#include "bench/repeated_runs.h"
 
 namespace zavri::bench {
 namespace {
@@ -9,11 +10,6 @@ namespace {
 std::map<std::string, Expectation>& expectations() {
   static std::map<std::string, Expectation> all;
   return all;
-}
-
-double median(std::vector<double> values) {
-  std::sort(values.begin(), values.end());
-  return values[values.size() / 2];
 }
 
 // The map orders groups and variants by name.

@@ -2,11 +2,11 @@
 // planes, in every build and beside a linear blur of the same width where OpenCV is installed.
 #include <benchmark/benchmark.h>
 
-#include <chrono>
 #include <memory>
 #include <string>
 
 #include "bench/summary.h"
+#include "bench/timing.h"
 #include "bench/workload.h"
 #include "include/zavricustpro.h"
 #include "tests/support/use_build.h"
@@ -46,19 +46,10 @@ SharedPlane hard_plane(int width, int rows) {
 // The filters work in place; restoring the plane is not in the figure.
 template <class Work>
 void add(const std::string& name, const SharedPlane& plane, Work work) {
-  benchmark::RegisterBenchmark(name.c_str(),
-                               [=](benchmark::State& state) {
-                                 for (auto _ : state) {
-                                   restore(plane->bytes, plane->pristine);
-                                   const auto start = std::chrono::steady_clock::now();
-                                   work();
-                                   const std::chrono::duration<double> elapsed =
-                                       std::chrono::steady_clock::now() - start;
-                                   state.SetIterationTime(elapsed.count());
-                                 }
-                               })
-      ->UseManualTime()
-      ->Unit(benchmark::kMicrosecond);
+  add_restoring_benchmark(name, [=](benchmark::State& state) {
+    time_work(
+        state, [&] { restore(plane->bytes, plane->pristine); }, work);
+  });
 }
 
 template <class Work>
@@ -128,7 +119,7 @@ void add_passes(const SharedPlane& plane) {
   Summary::expect("uv/fill", {6.3, 8.8});
   add_builds("uv/fill", plane, [=](Build build) {
     const testing::UseBuild use(build);
-    UV_denoise_fill_grid(plane->bytes.data(), kWidth, kRows, kWidth, kZavriStrips - 1);
+    UV_denoise_fill_grid(plane->bytes.data(), kWidth, kRows, kWidth, kZavriLastStrip);
   });
 }
 

@@ -10,7 +10,6 @@ namespace zavri {
 namespace {
 
 constexpr int32_t kFirstStrip = 0;
-constexpr int32_t kLastStrip = kZavriStrips - 1;
 constexpr uint8_t kEdgeGainEnd = 16;  // the edge modes serve lower gains only
 constexpr uint16_t kSmoothLevel = 10;
 
@@ -61,7 +60,7 @@ class Strip {
 
 uint32_t chroma_rows(int32_t number, uint32_t height) {
   const uint32_t quarter = height / 8;
-  return number == kLastStrip ? height / 2 - kLastStrip * quarter : quarter;
+  return number == kZavriLastStrip ? height / 2 - kZavriLastStrip * quarter : quarter;
 }
 
 Strip::Strip(const T_3DYuvDenoiseParam& param, int32_t number)
@@ -104,9 +103,9 @@ void Strip::merge_row(MergeKind kind, ptrdiff_t chroma, ptrdiff_t luma, size_t b
 
 ptrdiff_t Strip::last_strips_end(ptrdiff_t row_step, ptrdiff_t row_bytes) const {
   const auto y_stride = static_cast<ptrdiff_t>(param_.y_stride);
-  const auto rows = static_cast<ptrdiff_t>(chroma_rows(kLastStrip, param_.height));
-  return kLastStrip * static_cast<ptrdiff_t>(param_.height / 4) * y_stride + (rows - 1) * row_step +
-         y_stride + row_bytes;
+  const auto rows = static_cast<ptrdiff_t>(chroma_rows(kZavriLastStrip, param_.height));
+  return kZavriLastStrip * static_cast<ptrdiff_t>(param_.height / 4) * y_stride +
+         (rows - 1) * row_step + y_stride + row_bytes;
 }
 
 void Strip::merge_rows(MergeKind kind, const MergeLimits& limits) {
@@ -170,7 +169,7 @@ bool Strip::merge() {
     case MergeMode::kEdges:
     case MergeMode::kEdgesLuma:
       if (param_.threshY < 2) return false;
-      if (number_ != kFirstStrip && number_ != kLastStrip) return false;
+      if (number_ != kFirstStrip && number_ != kZavriLastStrip) return false;
       if (four_frames) log_geometry("edge4");
       merge_edges(mode == MergeMode::kEdges ? MergeKind::kEdges : MergeKind::kEdgesLuma);
       return true;

@@ -1,8 +1,8 @@
 #include <algorithm>
 #include <chrono>
-#include <cstddef>
 #include <cstdio>
 
+#include "bench/repeated_runs.h"
 #include "device/commands.h"
 #include "device/conditions.h"
 #include "device/processors.h"
@@ -17,12 +17,6 @@ struct Figure {
   double milliseconds;  // of one run, the median
   size_t runs;
 };
-
-double median(std::vector<double>& values) {
-  const auto middle = values.begin() + static_cast<ptrdiff_t>(values.size() / 2);
-  std::nth_element(values.begin(), middle, values.end());
-  return *middle;
-}
 
 class Bench {
  public:
@@ -61,7 +55,8 @@ Bench::Bench(const BenchOptions& options, std::vector<Operation> operations)
   share_ = options.seconds / static_cast<double>(measurements);
 }
 
-// One run before the others lets clocks rise and fills caches and tables.
+// Times runs until the share of time is used up. One run before them lets clocks rise and fills
+// caches and tables.
 Figure Bench::measure(const Operation& operation, int threads) {
   const std::vector<int> used(processors_.begin(), processors_.begin() + threads);
   use_processors(used);
@@ -69,13 +64,12 @@ Figure Bench::measure(const Operation& operation, int threads) {
   std::vector<double> times;
   for (int i = 0; i <= kLeastRuns || Clock::now() < end; ++i) {
     operation.prepare();
-    const auto start = Clock::now();
-    operation.run(threads);
-    const std::chrono::duration<double, std::milli> elapsed = Clock::now() - start;
-    if (i > 0) times.push_back(elapsed.count());
-    if (i > 0) clock_.add(conditions_.megahertz(used));
+    const double seconds = seconds_of([&] { operation.run(threads); });
+    if (i == 0) continue;
+    times.push_back(seconds);
+    clock_.add(conditions_.megahertz(used));
   }
-  return {median(times), times.size()};
+  return {1e3 * median(times), times.size()};
 }
 
 void Bench::print_head() const {

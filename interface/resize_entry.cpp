@@ -7,7 +7,6 @@ using zavri::kTagProcessing;
 
 namespace {
 
-constexpr uint32_t kLastStrip = kZavriStrips - 1;
 constexpr uint32_t kDone = 0;
 constexpr uint32_t kReduction = 1;
 constexpr uint32_t kBadParameter = 2;
@@ -44,11 +43,11 @@ void fill_strips(const T_ResizeParam& param, T_ResizeParam (&strips)[kZavriStrip
     T_ResizeParam& strip = strips[k];
     strip = param;
     // At a height of 4 three strips have 6 rows: the last one's -2 wraps around to 65534.
-    const bool last = k == kLastStrip;
+    const bool last = k == kZavriLastStrip;
     strip.src_height =
-        static_cast<uint16_t>(last ? param.src_height - kLastStrip * src_rows : src_rows);
+        static_cast<uint16_t>(last ? param.src_height - kZavriLastStrip * src_rows : src_rows);
     strip.dst_height =
-        static_cast<uint16_t>(last ? param.dst_height - kLastStrip * dst_rows : dst_rows);
+        static_cast<uint16_t>(last ? param.dst_height - kZavriLastStrip * dst_rows : dst_rows);
     strip.src_y = param.src_y + k * src_bytes;
     strip.src_uv = param.src_uv + k * src_bytes / 2;
     strip.dst_y = param.dst_y + k * dst_bytes;

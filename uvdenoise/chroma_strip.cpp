@@ -18,10 +18,10 @@ struct Strip {
   bool last;
 };
 
-Strip::Strip(uint32_t number, const T_UVDenoiseParam& param) : last(number >= kLastStrip) {
+Strip::Strip(uint32_t number, const T_UVDenoiseParam& param) : last(number >= kZavriLastStrip) {
   const uint32_t quarter = param.height / kZavriStrips;
   start = param.uv_plane + size_t{param.stride} * number * quarter;
-  rows = static_cast<uint16_t>(last ? param.height - kLastStrip * quarter : quarter);
+  rows = static_cast<uint16_t>(last ? param.height - kZavriLastStrip * quarter : quarter);
   grid_rows = rows / 2;
   grid_columns = static_cast<uint16_t>(param.width / 4);
 }

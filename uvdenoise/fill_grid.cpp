@@ -70,7 +70,7 @@ void UV_denoise_fill_grid(uint8_t* start, uint16_t row_bytes, uint16_t rows, uin
   const Filler filler(row_bytes, stride);
   filler.fill_first_row(start);
 
-  const bool repeats_last = strip >= kLastStrip && rows > 0 && rows % kGroup == 0;
+  const bool repeats_last = strip >= kZavriLastStrip && rows > 0 && rows % kGroup == 0;
   const size_t groups = rows / kGroup - (repeats_last ? 1 : 0);
   uint8_t* row = start;
   for (size_t g = 0; g < groups; ++g, row += kGroup * stride) {

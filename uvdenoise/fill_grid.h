@@ -6,9 +6,6 @@
 
 namespace zavri {
 
-// Every strip number from this one on means the last strip.
-inline constexpr uint32_t kLastStrip = kZavriStrips - 1;
-
 // Rebuilds the pairs between the samples of a strip's grid (G) from their neighbours, in blocks of
 // 8 bytes by 4 rows below row 0: those of the grid's rows (-) first, then the rows between (|).
 //

@@ -10,7 +10,7 @@
 #define ZAVRI_EXPORT __attribute__((visibility("default")))
 
 /* The multi-frame denoise, the resize and the chroma denoise cut a frame into this many horizontal
- * strips, numbered from the top. The last strip takes the rows that a division leaves over. */
-enum { kZavriStrips = 4 };
+ * strips, numbered from 0 at the top. The last strip takes the rows that a division leaves over. */
+enum { kZavriStrips = 4, kZavriLastStrip = kZavriStrips - 1 };
 
 #endif /* ZAVRICUSTPRO_BASE_H_ */

@@ -95,8 +95,7 @@ static inline size_t zavri_room_uv_denoise_before(const T_UVDenoiseParam* param)
  */
 static inline size_t zavri_room_uv_denoise(const T_UVDenoiseParam* param) {
   const size_t quarter = param->height / kZavriStrips;
-  const size_t last =
-      (kZavriStrips - 1) * quarter + 2 * (3 * zavri_room_uv_denoise_reach(param) - 1);
+  const size_t last = kZavriLastStrip * quarter + 2 * (3 * zavri_room_uv_denoise_reach(param) - 1);
   const size_t rows = last < param->height ? param->height : last + 1;
   return (rows - 1) * param->stride + param->width;
 }

@@ -127,7 +127,7 @@ ZAVRI_EXPORT void zavri_mp_3D_YUV_denoise_inner(const void* strip, const void* p
 /* The last strip has this many chroma rows, the others have height / 8. */
 static inline size_t zavri_room_denoise_last_rows(const T_3DYuvDenoiseParam* param) {
   const size_t quarter = param->height / 8;
-  return param->height / 2 - (kZavriStrips - 1) * quarter;
+  return param->height / 2 - kZavriLastStrip * quarter;
 }
 
 /* The edge sections of the last row end this many bytes behind the frame's own columns. */
@@ -141,7 +141,7 @@ static inline size_t zavri_room_denoise_drift(const T_3DYuvDenoiseParam* param) 
 /* Returns the room of luma, from frame_y[k] on. A uv_offset of at least that much keeps the planes
  * apart. */
 static inline size_t zavri_room_denoise_luma(const T_3DYuvDenoiseParam* param) {
-  const size_t start = (kZavriStrips - 1) * (param->height / 4);
+  const size_t start = kZavriLastStrip * (param->height / 4);
   const size_t rows = start + 2 * zavri_room_denoise_last_rows(param);
   if (rows == 0) return 0;
   return (rows - 1) * param->y_stride + param->width + zavri_room_denoise_drift(param);

@@ -29,7 +29,7 @@ struct Window {
   // below safe_height() leave the strip as many, from there on all do.
   bool is_high_enough(int height) const {
     const int rows = height / 2;
-    return (rows - (kZavriStrips - 1) * (rows / kZavriStrips)) / 2 >= 2 * reach();
+    return (rows - kZavriLastStrip * (rows / kZavriStrips)) / 2 >= 2 * reach();
   }
   int safe_height() const { return 2 * (16 * reach() - 3); }
 };

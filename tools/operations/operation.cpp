@@ -2,6 +2,8 @@
 
 #include <zavricustpro.h>
 
+#include <algorithm>
+
 #include "tools/error.h"
 
 namespace zavri::tools {
@@ -11,7 +13,7 @@ void copy_picture(const Frame& from, Frame& to) {
   const Layout& source = from.layout();
   const Layout& target = to.layout();
   if (source.stride == target.stride && source.chroma_at == target.chroma_at) {
-    // A call may read the padding.
+    // The padding is copied as well, since a call may read it.
     std::copy_n(from.buffer().begin(), std::min(source.bytes, target.bytes), to.buffer().begin());
     return;
   }
@@ -44,6 +46,12 @@ void expect_one_size(const Frames& frames) {
     throw Error("frames of " + frames.front().size() + " and " + frame.size() +
                 ": all frames must have one size");
   }
+}
+
+void expect_stride(const Frame& frame, size_t most, const char* what) {
+  if (frame.layout().stride <= most) return;
+  throw Error("--stride " + std::to_string(frame.layout().stride) + ": " + what + " at most " +
+              std::to_string(most));
 }
 
 void expect_accepted(uint32_t code) {

@@ -1,11 +1,10 @@
 #pragma once
 
-#include <algorithm>
-#include <chrono>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "bench/repeated_runs.h"
 #include "tools/images/frame.h"
 #include "tools/operations/setting.h"
 
@@ -25,24 +24,24 @@ struct Size {
 
 inline Size size_of(const Frame& frame) { return {frame.width(), frame.height()}; }
 
-// What one run made.
+// Holds what one run made.
 struct Result {
   Frame frame;
   double seconds = 0;  // in the library, the median of all runs
-  // What the library told beside the frame: names such as "thresh_luma", and numbers.
+  // The library told these numbers beside the frame, under names such as "thresh_luma".
   std::vector<std::pair<std::string, double>> figures;
-  std::vector<std::string> remarks;  // of what the settings ask for and the library does not do
+  std::vector<std::string> remarks;  // on what the settings ask for and the library does not do
 };
 
-// One operation of the library: its settings, and its one call.
+// An operation of the library owns its settings and its one call of the library.
 class Operation {
  public:
   virtual ~Operation() = default;
 
-  // Bound to this object, the ones that are set most often first.
+  // Returns settings that are bound to this object, the ones that are set most often first.
   virtual Settings settings() = 0;
 
-  // How many frames one run takes.
+  // Says how many frames one run takes.
   struct Count {
     int least;
     int most;
@@ -53,7 +52,7 @@ class Operation {
   // of this size. run() checks the same.
   virtual void check(const Size& size, int frames) const = 0;
 
-  // The size of the frame that run() makes of frames of this size.
+  // Returns the size of the frame that run() makes of frames of this size.
   virtual Size result_size(const Size& size) const { return size; }
 
   // Runs so many times, each time on fresh copies of the frames. The result has the layout and the
@@ -64,15 +63,14 @@ class Operation {
   void check_count(int frames) const;
 };
 
-// Bytes that a call may touch: from the first of the luma plane on, in front of the chroma plane,
-// and from its first on.
+// Counts the bytes that a call may touch.
 struct Room {
-  size_t luma = 0;
-  size_t before_chroma = 0;
-  size_t chroma = 0;
+  size_t luma = 0;           // from the first byte of the plane on
+  size_t before_chroma = 0;  // in front of the plane
+  size_t chroma = 0;         // from the first byte of the plane on
 };
 
-// A copy of the picture in the layout of `like`, a frame of its size, with the room around its
+// Copies the picture into the layout of `like`, a frame of its size, with the room around its
 // planes that a call takes. A fixed layout stays as it is, whatever runs into what; in others the
 // chroma plane moves back, so that the room of both planes is apart.
 Frame roomy_copy(const Frame& picture, const Frame& like, const Room& room);
@@ -81,25 +79,14 @@ Frame roomy_copy(const Frame& picture, const Frame& like, const Room& room);
 // the chroma order of `to`.
 void copy_picture(const Frame& from, Frame& to);
 
-// The median of what work() took, in seconds; prepare() goes before each run and does not count.
-template <class Prepare, class Work>
-double median_seconds(int runs, Prepare prepare, Work work) {
-  std::vector<double> seconds;
-  for (int run = 0; run < runs; ++run) {
-    prepare();
-    const auto start = std::chrono::steady_clock::now();
-    work();
-    const std::chrono::duration<double> taken = std::chrono::steady_clock::now() - start;
-    seconds.push_back(taken.count());
-  }
-  std::sort(seconds.begin(), seconds.end());
-  return seconds[seconds.size() / 2];
-}
-
-// Throws unless all frames have one size.
+// Throws an Error unless all frames have one size.
 void expect_one_size(const Frames& frames);
 
-// Throws unless the library's code is 0.
+// Throws an Error that names --stride unless the frame's rows are at most `most` bytes apart;
+// `what` ends the text, such as "chroma is denoised with".
+void expect_stride(const Frame& frame, size_t most, const char* what);
+
+// Throws an Error unless the library's code is 0.
 void expect_accepted(uint32_t code);
 
 // Starts the library's pool unless it runs.

@@ -8,10 +8,10 @@
 namespace zavri::tools {
 namespace {
 
-// Luma rows of the library's strips.
+// Counts the luma rows of the library's strips.
 struct StripRows {
   explicit StripRows(int height)
-      : each((height / 4 + 1) / 2 * 2), last(height - (kZavriStrips - 1) * each) {}
+      : each((height / 4 + 1) / 2 * 2), last(height - kZavriLastStrip * each) {}
 
   int each;  // of all but the last
   int last;
@@ -54,10 +54,8 @@ void Resize::check(const Size& size, int frames) const {
 Result Resize::run(const Frames& frames, int runs) const {
   const Frame& frame = frames.front();
   check(size_of(frame), static_cast<int>(frames.size()));
+  expect_stride(frame, UINT16_MAX, "a frame is resized with");
   const size_t stride = std::max(frame.layout().stride, static_cast<size_t>(to.width));
-  if (stride > UINT16_MAX) {
-    throw Error("--stride " + std::to_string(stride) + ": at most 65535 are resized");
-  }
   const size_t luma = stride * static_cast<size_t>(to.height);
   Result result;
   result.frame = Frame(to.width, to.height, frame.order(), {stride, luma, luma + luma / 2});
