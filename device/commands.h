@@ -2,7 +2,7 @@
 
 #include <cstdint>
 
-// What the program does, one function for each command. Results go to stdout; the functions return
+// Each command of the program is one of these functions. Results go to stdout; the functions return
 // the exit status.
 namespace zavri::device {
 

@@ -8,7 +8,7 @@
 namespace zavri::device {
 namespace {
 
-// The first line of a file; "" when there is none, or it may not be read.
+// Returns the first line of a file, or "" when there is none or it may not be read.
 std::string first_line(const std::string& path) {
   std::ifstream in(path);
   std::string line;

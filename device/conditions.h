@@ -4,10 +4,12 @@
 #include <string>
 #include <vector>
 
-// What a figure of speed depends on besides the code, as far as the system shows it.
+// These classes read what a figure of speed depends on besides the code, as far as the system shows
+// it.
 namespace zavri::device {
 
-// Of clocks that were read, in megahertz; 0 where none is shown.
+// Holds the lowest and the highest of the clocks that were read, in megahertz; both are 0 where the
+// system shows none.
 struct ClockRange {
   int least = 0;
   int most = 0;
@@ -20,15 +22,15 @@ struct ClockRange {
   bool changed() const { return least < 0.97 * most; }
 };
 
-// `root` stands for /sys.
+// Reads the files of /sys; `root` stands for that folder.
 class Conditions {
  public:
   explicit Conditions(std::string root = "/sys") : root_(std::move(root)) {}
 
-  // Processors by their highest clock, the fastest first; 0 counts where none is shown.
+  // Orders processors by their highest clock, the fastest first; one that shows none counts as 0.
   std::vector<int> fastest_first(std::vector<int> processors) const;
 
-  // The highest clock at which one of them runs now; 0 where none is shown.
+  // Returns the highest clock at which one of the processors runs now, or 0 where none is shown.
   int megahertz(const std::vector<int>& processors) const;
 
   struct Temperature {

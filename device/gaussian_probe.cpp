@@ -41,7 +41,7 @@ Response impulse_response(Gaussian gaussian) {
   return response;
 }
 
-// The kernel [1 4 6 4 1] along and down, with an addend and a shift after either pass.
+// Describes the kernel [1 4 6 4 1] along and down, with an addend and a shift after either pass.
 struct Arithmetic {
   const char* name;
   bool down_first;
@@ -73,7 +73,7 @@ int model(const Arithmetic& a, const Picture& from, int x, int y) {
   return (sum + a.second_addend) >> a.second_shift;
 }
 
-// The source sample that stands for number i of 0 .. n - 1, where that lies outside; -1 for black.
+// Says which source sample stands for number i of 0 .. n - 1 where i lies outside; -1 is black.
 struct Border {
   const char* name;
   int (*sample)(int i, int n);
@@ -92,7 +92,7 @@ constexpr Border kBorders[] = {
     {"black outside", [](int i, int n) { return i < 0 || i >= n ? -1 : i; }},
 };
 
-// The outer two of either end of a line in the middle of the picture.
+// Holds the outer two samples of either end of a line in the middle of the picture.
 struct OuterSamples {
   int place[4];
   uint8_t value[4];
@@ -111,7 +111,7 @@ OuterSamples outer_samples(const Picture& picture, Axis axis) {
 
 using Weights = std::array<double, kTaps>;
 
-// Those of a picture that changes along this axis alone.
+// Returns the weights that samples have in a picture that changes along this axis alone.
 Weights weights_of_axis(Gaussian gaussian, Axis axis) {
   const Response response = impulse_response(gaussian);
   Weights weights{};

@@ -83,13 +83,13 @@ std::string run_denoise3d(const Case& known) {
   param.y_stride = known.number("y_stride");
   param.uv_stride = known.number("uv_stride");
   param.uv_offset = known.number("uv_offset");
-  for (int32_t strip = 0; strip < 4; ++strip) {
+  for (int32_t strip = 0; strip < kZavriStrips; ++strip) {
     zavri_mp_3D_YUV_denoise_inner(&strip, &param, nullptr);
   }
   return check_hash(known, frames[param.ref_index]);
 }
 
-// The smoothing alone is what one frame gets. The first of its four strips is all of the case.
+// A single frame is smoothed and nothing else. The first of its strips is all of the case.
 std::string run_uv_run_smooth(const Case& known) {
   Bytes buffer = fill(known);
   T_3DYuvDenoiseParam param{};
@@ -175,7 +175,7 @@ std::string run_uv_denoise(const Case& known) {
   }
   const bool legacy = known.operation == "uv_denoise_legacy";
   const auto denoise = legacy ? zavri_mp_single_UV_denoise_inner_11 : zavri_mp_UV_denoise_inner;
-  for (uint32_t strip = 0; strip < 4; ++strip) denoise(&strip, &param, nullptr);
+  for (uint32_t strip = 0; strip < kZavriStrips; ++strip) denoise(&strip, &param, nullptr);
   return check_hash(known, buffer);
 }
 

@@ -5,7 +5,7 @@
 
 namespace zavri {
 
-// The known answers of tests/golden, whose README describes them, packed into the program.
+// The known answers of tests/golden, whose README describes them, are packed into the program.
 struct KnownAnswerFile {
   const char* name;  // without an ending
   const char* text;  // one case a line

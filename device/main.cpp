@@ -1,5 +1,5 @@
-// The program for the phone's shell: how fast the library is there, what the vendor's scaler really
-// does, and whether the library's answers are the known ones.
+// This program for the phone's shell tells how fast the library is there, what the vendor's scaler
+// really does, and whether the library's answers are the known ones.
 #include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
@@ -48,7 +48,8 @@ Exit status 2 for wrong arguments.
   exit(2);
 }
 
-// A frame for which the denoise merges (from two megapixels on), and all operations are defined.
+// Takes sizes of frames for which the denoise merges, from two megapixels on, and all operations
+// are defined.
 void parse_size(const char* text, BenchOptions& options) {
   constexpr uint32_t kLeast = 480;
   constexpr uint32_t kMost = 6144;

@@ -6,7 +6,7 @@
 
 namespace zavri::device {
 
-// One 8-bit plane of a probe, as aligned as any vendor asks for.
+// A picture is one 8-bit plane of a probe, as aligned as any vendor asks for.
 class Picture {
  public:
   Picture(uint32_t picture_width, uint32_t picture_height, uint32_t bytes_to_next_row)
@@ -16,7 +16,7 @@ class Picture {
     if (posix_memalign(&block, kAlign, size_t{stride} * height + kAlign) != 0) abort();
     block_.reset(static_cast<uint8_t*>(block));
   }
-  // With rows that start aligned.
+  // Makes a picture whose rows start aligned.
   Picture(uint32_t picture_width, uint32_t picture_height)
       : Picture(picture_width, picture_height, (picture_width + 127) / 128 * 128) {}
 
@@ -42,7 +42,7 @@ class Picture {
   std::unique_ptr<uint8_t, Free> block_;
 };
 
-// Bytes that look random, the same at every call.
+// Returns a byte that looks random and is the same at every call.
 inline uint8_t noise(uint32_t x, uint32_t y) {
   uint32_t h = x * 73856093u ^ y * 19349663u;
   h = (h ^ h >> 13) * 0x5bd1e995u;

@@ -25,7 +25,7 @@ Scale poly_of(const Scaler& scaler) {
   };
 }
 
-// The Gaussian as something that gives a picture of the same size.
+// Wraps the Gaussian as a scaler that gives a picture of the same size.
 Scale gaussian_of(const Scaler& scaler) {
   return [=](const Picture& a, const Picture& b) {
     scaler.gaussian(a.data(), a.width, a.height, b.data(), 1);
@@ -48,7 +48,7 @@ Picture untouched(uint32_t width, uint32_t height, uint32_t stride) {
   return picture;
 }
 
-// How two results for the same pictures differ.
+// Counts how two results for the same pictures differ.
 struct Agreement {
   size_t samples = 0;
   size_t different = 0;
@@ -74,7 +74,8 @@ struct Agreement {
   }
 };
 
-// `stride_step` 1 leaves rows without padding.
+// Compares what two scalers make of the same pictures. Strides are multiples of `stride_step`; 1
+// leaves rows without padding.
 Agreement compare(const Scale& one, const Scale& other, const std::vector<Sizes>& pictures,
                   uint32_t stride_step) {
   Agreement agreement;
@@ -100,7 +101,7 @@ struct Outcome {
 };
 
 Outcome try_scale(const Scale& scale, const Sizes& sizes) {
-  constexpr uint32_t kStride = 128;  // so that an empty picture has a place, too
+  constexpr uint32_t kStride = 128;  // gives an empty picture a place, too
   const Picture source(sizes.from.width, sizes.from.height, kStride);
   source.fill(noise);
   const Picture target = untouched(sizes.to.width, sizes.to.height, kStride);
@@ -114,7 +115,7 @@ Outcome try_scale(const Scale& scale, const Sizes& sizes) {
   return {status, unchanged.different != 0, copied.samples != 0 && copied.different == 0};
 }
 
-// In a process of its own: nobody promises that such sizes are survived.
+// Tries the sizes in a process of its own, since nobody promises that it survives them.
 std::string outcome(const Scale& scale, const Sizes& sizes) {
   constexpr unsigned kSecondsToHang = 5;
   int ends[2];
@@ -142,7 +143,7 @@ std::string outcome(const Scale& scale, const Sizes& sizes) {
                               : ", nothing written");
 }
 
-// Hands out each line as soon as it is known: the next measurement may crash.
+// Hands out each line as soon as it is known, since the next measurement may crash.
 class Report {
  public:
   explicit Report(const Sink& sink) : sink_(sink) {}
@@ -159,7 +160,7 @@ class Report {
     sink_(start + text + '\n');
   }
 
-  // Whether a workstation does the same; the verdict names what it does otherwise.
+  // Prints whether a workstation does the same; the verdict names what it does otherwise.
   void agreement(const char* name, const Agreement& found) {
     line("portable one", found.text());
     sink_("\n");
@@ -179,7 +180,7 @@ class Report {
 };
 
 void report_scale(Report& report, const char* name, const Scale& loaded, const Scale& portable) {
-  // Exact and odd ratios, and either axis alone.
+  // The sizes have exact and odd ratios, and enlarge either axis alone.
   static const std::vector<Sizes> enlargements = {{{64, 48}, {128, 96}},  {{64, 48}, {96, 72}},
                                                   {{100, 60}, {161, 91}}, {{320, 40}, {400, 50}},
                                                   {{64, 32}, {64, 47}},   {{40, 32}, {73, 32}}};

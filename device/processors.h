@@ -6,11 +6,11 @@
 
 namespace zavri::device {
 
-// Those on which this process may run.
+// Returns the processors on which this process may run.
 std::vector<int> processors_here();
 
-// Restarts the library's pool with its four threads, and binds them, this thread and those that it
-// starts to these processors.
+// Restarts the library's pool with its four threads, and binds these, the calling thread and those
+// that it starts to the given processors.
 void use_processors(const std::vector<int>& processors);
 
 // Runs task(0) .. task(count - 1) on a number of threads, each of which takes the next one left.

@@ -80,7 +80,7 @@ double linear(double d) { return std::max(0.0, 1 - std::abs(d)); }
 
 double box(double d) { return d >= -0.5 && d < 0.5 ? 1 : 0; }
 
-// The family of two parameters that holds most cubics in use.
+// Most cubics in use belong to this family of two parameters.
 double cubic(double d, double b, double c) {
   d = std::abs(d);
   if (d >= 2) return 0;
@@ -111,7 +111,7 @@ constexpr struct {
     {"Lanczos, 3 lobes", [](double d) { return std::abs(d) < 3 ? sinc(d) * sinc(d / 3) : 0; }},
 };
 
-// The weights of all samples of one phase sum to 1.
+// Scales a weight so that those of all samples of one phase sum to 1.
 template <class Weight>
 double normalised(Weight weight, double distance) {
   double sum = 0;
@@ -119,7 +119,7 @@ double normalised(Weight weight, double distance) {
   return weight(distance) / sum;
 }
 
-// An impulse on a background from which weights below zero can be seen.
+// Measures the weights by an impulse on a background from which weights below zero can be seen.
 std::string taps_of_axis(const Scale& scale, Axis axis) {
   constexpr uint32_t kFrom = 24;
   constexpr uint32_t kTo = 4 * kFrom;

@@ -37,7 +37,7 @@ void blur(const uint8_t* src, uint32_t width, uint32_t height, uint8_t* dst, int
 
 }  // namespace
 
-// The name of the Gaussian alone would be this program's own.
+// The Gaussian is looked up, since its plain name means this program's own function.
 Scaler loaded_scaler() {
   static const auto gaussian =
       reinterpret_cast<decltype(Scaler::gaussian)>(dlsym(RTLD_NEXT, "fcvFilterGaussian5x5u8"));
@@ -55,7 +55,7 @@ void use_gaussian(decltype(Scaler::gaussian) gaussian) { g_gaussian = gaussian; 
 
 }  // namespace zavri::device
 
-// Overrides the one that is loaded, for the library too.
+// Overrides the Gaussian that is loaded, for the library too.
 __attribute__((visibility("default"))) void fcvFilterGaussian5x5u8(const uint8_t* src,
                                                                    uint32_t src_width,
                                                                    uint32_t src_height,

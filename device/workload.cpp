@@ -10,8 +10,8 @@ namespace {
 
 using Bytes = std::vector<uint8_t>;
 
-// Tiles of 24 samples with noise: of two pairs that are drawn from 28 levels, a third is less than
-// 10 levels apart.
+// Fills a plane with tiles of 24 samples and with noise: of two pairs that are drawn from 28
+// levels, a third is less than 10 levels apart.
 void fill_noise(uint8_t* plane, uint32_t width, uint32_t rows, uint32_t spread, uint32_t& x) {
   for (uint32_t row = 0; row < rows; ++row) {
     for (uint32_t column = 0; column < width; ++column) {
@@ -24,16 +24,20 @@ void fill_noise(uint8_t* plane, uint32_t width, uint32_t rows, uint32_t spread, 
   }
 }
 
-// Four captures of one scene, in the layout of the denoise.
+// Holds four captures of one scene, in the layout of the denoise.
 struct Frames {
   Frames(uint32_t frame_width, uint32_t frame_height)
       : width(frame_width), height(frame_height), luma(size_t{width} * height) {
-    // The sections of the edge modes drift this far beyond either plane.
-    const size_t room = size_t{width} * (height / 8 + 8);
-    uv_offset = luma + room;
+    // Of 2 or 3 frames the edges need most room, and smoothing needs whole rows.
+    T_3DYuvDenoiseParam widest{};
+    widest.frame_num = 3;
+    widest.switch_b = widest.switch_d = 1;
+    widest.width = widest.y_stride = widest.uv_stride = width;
+    widest.height = height;
+    uv_offset = zavri_room_denoise_luma(&widest);
     uint32_t random = 1;
     for (Bytes& frame : frames) {
-      frame.resize(uv_offset + luma / 2 + room);
+      frame.resize(uv_offset + zavri_room_denoise_chroma(&widest));
       fill_noise(frame.data(), width, height, 7, random);
       fill_noise(frame.data() + uv_offset, width, height / 2, 28, random);
     }
@@ -48,7 +52,7 @@ struct Frames {
   const size_t luma;  // bytes
   size_t uv_offset;
   Bytes frames[4];
-  Bytes result;  // of operations; a copy of the first frame before each
+  Bytes result;  // is a copy of the first frame before each operation
 };
 
 using Shared = std::shared_ptr<Frames>;
@@ -80,8 +84,8 @@ class Operations {
 
 void Operations::add_memcpy() {
   add("memcpy of a frame", true, [f = frames_](int threads) {
-    const size_t part = f->luma * 3 / 2 / 4;
-    run_tasks(threads, 4, [&](uint32_t i) {
+    const size_t part = f->luma * 3 / 2 / kZavriStrips;
+    run_tasks(threads, kZavriStrips, [&](uint32_t i) {
       memcpy(f->result.data() + i * part, f->frames[1].data() + i * part, part);
     });
   });
@@ -95,7 +99,8 @@ void Operations::add_denoise(const char* name, uint8_t frame_num,
   param.height = frames_->height;
   param.uv_offset = static_cast<uint32_t>(frames_->uv_offset);
   param.thresh_tune = 1;
-  // The size of the frame scales it: 83 % at twelve megapixels are 10, and 15 % at two as well.
+  // The frame's size scales the threshold to 10: 13 by 83 % at twelve megapixels, 67 by 15 % at
+  // two.
   param.thresh = param.threshY = frames_->luma > 10000000 ? 13 : 67;
   param.frame_y[0] = frames_->result.data();
   for (int k = 1; k < 4; ++k) param.frame_y[k] = frames_->frames[k].data();
@@ -113,7 +118,7 @@ void Operations::add_chroma(const char* name, ThreadPoolTaskFunc strip) {
   param.threshold = 20;
   for (int d = 0; d < param.threshold; ++d) param.weight_table[d] = static_cast<int8_t>(60 - 3 * d);
   add(name, true, [f = frames_, param, strip](int threads) {
-    run_tasks(threads, 4, [&](uint32_t i) { strip(&i, &param, nullptr); });
+    run_tasks(threads, kZavriStrips, [&](uint32_t i) { strip(&i, &param, nullptr); });
   });
 }
 

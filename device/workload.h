@@ -12,12 +12,12 @@ namespace zavri::device {
 struct Operation {
   std::string name;
   bool takes_threads;
-  std::function<void()> prepare;  // before each run, and not timed
+  std::function<void()> prepare;  // goes before each run and is not timed
   std::function<void(int threads)> run;
 };
 
-// Every operation of the library on noisy frames, memcpy of a frame first. The frames live until
-// the operations do.
+// Returns every operation of the library on noisy frames, memcpy of a frame first. The operations
+// own the frames.
 std::vector<Operation> all_operations(uint32_t width, uint32_t height);
 
 }  // namespace zavri::device
