@@ -3,12 +3,11 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <numeric>
 #include <string>
 
 #include "fuzz/fuzzing.h"
 #include "tools/error.h"
-#include "tools/images/raw_frame.h"
+#include "tools/images/files.h"
 #include "tools/images/storage.h"
 #include "tools/operations/dump.h"
 
@@ -65,15 +64,14 @@ void check_raw(const std::string& name, const RawOptions& options, const Bytes& 
   if (format.bytes != bytes.size()) abort();
   const Frame frame = decode_raw(bytes, format);
   if (frame.width() != format.width || frame.height() != format.height) abort();
-  for (const char* extension : {".nv12", ".nv21", ".i420", ".yv12"}) encode_raw(frame, extension);
-  if (format.is_semi_planar() && encode_raw(frame, ".yuv") != bytes) abort();
+  for (const char* extension : {".nv12", ".nv21", ".i420", ".yv12"}) encode(frame, extension);
+  if (format.is_semi_planar() && encode(frame, ".yuv") != bytes) abort();
 }
 
-void check_dump(const std::string& path, const RawOptions& options, const std::vector<int>& meta,
+void check_dump(const std::string& path, const RawOptions& options, const DumpMeta& meta,
                 const Bytes& bytes) {
-  const size_t front = meta.empty() ? 0 : static_cast<size_t>(meta[0]);
   const Frame frame = load_dump(path, options, meta);
-  if (!std::equal(frame.luma_row(0), frame.luma_row(0) + frame.width(), &bytes[front])) abort();
+  if (!std::equal(frame.luma_row(0), frame.luma_row(0) + frame.width(), &bytes[meta.luma])) abort();
 }
 
 // Returns the bytes that such a file has, or 0: the refusal of an empty file names them.
@@ -90,10 +88,11 @@ size_t bytes_of(const std::string& name, const RawOptions& options) try {
 void check(Input& input, const std::filesystem::path& folder) try {
   const std::string name = input.below(8) == 0 ? "0.yuv" : name_text(input);
   const RawOptions options = read_options(input);
-  std::vector<int> meta;
-  for (uint32_t left = input.below(3); left > 0; --left) meta.push_back(input.byte());
+  DumpMeta meta;
+  if (input.flag()) meta.luma = input.byte();
+  if (input.flag()) meta.chroma = input.byte();
   (void)name_without_size(name);
-  const size_t front = static_cast<size_t>(std::accumulate(meta.begin(), meta.end(), 0));
+  const auto front = static_cast<size_t>(meta.luma + meta.chroma);
   const size_t expected = bytes_of(name, options);
   if (expected == 0 || expected > 1 << 20) return;
   zavri::fuzzing::Picture picture(input);

@@ -113,7 +113,7 @@ TEST_F(Images, OnePictureIsTheSameInEveryFormat) {
                             "rgba64be", "yuyv422", "yuva420p"}) {
     SCOPED_TRACE(pixel);
     write_file(path("d.raw"), bytes_of(*convert(*to_av(picture), {av_get_pix_fmt(pixel)})));
-    expect_near(load_frame(path("d.raw"), {{"1290x722", pixel}, ""}), expected, 48);
+    expect_near(load_frame(path("d.raw"), {{"1290x722", pixel}, {}}), expected, 48);
   }
 }
 

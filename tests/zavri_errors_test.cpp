@@ -29,6 +29,7 @@ TEST_F(Zavri, BadInputIsOneLineStatusTwoAndNoFile) {
       {"view photo.png", "-o"},
       {"view photo.png -o", "-o: takes one value"},
       {"view photo.png -o out.png --frame 0:1", "--frame 0:1: takes N"},
+      {"view photo.png -o out.png --frames 1:0", "--frames 1:0: takes A:B"},
       {"view photo.png -o out.png --frame 0 --frames 0:1", "--frames: is given once, or --frame"},
       {"view photo.png -o photo.png", "--force"},
       {"view photo.png -o none/out.png", "none"},

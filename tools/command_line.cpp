@@ -155,22 +155,21 @@ int run_command_line(int argc, char** argv) {
 void Input::declare(Options& settings, const char* what, bool required) {
   declare_paths(settings, what, required);
   declare_raw(settings);
-  const auto once = [this](const std::string& text) {
-    if (!options.frames.empty()) throw Error("--frames: is given once, or --frame");
-    options.frames = text;
-  };
-  const auto set_frame = [once](const std::string& text) {
-    const bool is_number = parse_whole(text, 0, INT32_MAX).has_value();
-    if (is_number) once(text);
-    return is_number;
-  };
-  const auto set_frames = [once](const std::string& text) {
-    once(text);
+  const auto set = [this](std::optional<int64_t> first, std::optional<int64_t> last) {
+    if (!first || !last || *last < *first) return false;
+    if (options.frames) throw Error("--frames: is given once, or --frame");
+    options.frames = FrameRange{static_cast<int>(*first), static_cast<int>(*last)};
     return true;
+  };
+  const auto index = [](const std::string& text) { return parse_whole(text, 0, INT32_MAX); };
+  const auto set_frame = [=](const std::string& text) { return set(index(text), index(text)); };
+  const auto set_frames = [=](const std::string& text) {
+    const std::vector<std::string> ends = split(text, ':');
+    return ends.size() == 2 && set(index(ends[0]), index(ends[1]));
   };
   const auto none = [] { return ""; };
   settings.add({{"frame", "N", "of a stream, counted from 0", set_frame, none},
-                {"frames", "A:B", "of a stream, B included", set_frames, none}});
+                {"frames", "A:B", "of a stream, such as 0:3, B included", set_frames, none}});
 }
 
 void Input::declare_paths(Options& settings, const char* what, bool required) {

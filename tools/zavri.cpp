@@ -7,7 +7,8 @@
 #include "tools/error.h"
 
 int main(int argc, char** argv) {
-  // A write beyond the limit of file sizes then fails like one on a full disk.
+  // A write beyond the limit of file sizes then fails like one on a full disk; the signal would end
+  // the program with a temporary file left.
   std::signal(SIGXFSZ, SIG_IGN);
   try {
     return zavri::tools::run_command_line(argc, argv);

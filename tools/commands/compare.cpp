@@ -15,7 +15,7 @@
 namespace zavri::tools {
 namespace {
 
-// The differences of a row around mid-grey, magnified so that single levels show.
+// Puts the differences of a row around mid-grey, magnified so that single levels show.
 void fill_difference(const uint8_t* a, const uint8_t* b, uint8_t* difference, int width) {
   constexpr int kMagnified = 8;
   for (int x = 0; x < width; ++x) {
@@ -35,7 +35,7 @@ Frame difference_of(const Frame& a, const Frame& b) {
   return difference;
 }
 
-// Two frames, and what they are judged by.
+// Holds two frames, and what they are judged by.
 struct Case {
   Frame a;
   Frame b;
@@ -67,7 +67,7 @@ class Compare : public Command {
 
   Case load_case(const std::string& name, std::vector<std::string> paths) const;
   Mask load_mask(const std::string& path, const std::string& size) const;
-  // The part that is compared.
+  // Leaves the part of the frame that is compared.
   void cut(Frame& frame) const;
   bool is_above_limits(const Planes& planes) const;
 
@@ -86,10 +86,6 @@ class Compare : public Command {
 
 void Compare::declare(Options& options) {
   input_.declare(options, "two frames of one size, or two folders with frames of the same names");
-  const auto parse = [this](const std::string& text) {
-    rect_ = parse_rect(text);
-    return rect_.has_value();
-  };
   options.add(
       {word("reference", reference_, "CLEAN",
             "the clean frame, or a folder of them; the first frame is taken as the noisy one and "
@@ -98,8 +94,7 @@ void Compare::declare(Options& options) {
        word("without-last", without_last_, "RESULT",
             "the score without a clean frame: IN are the frames of a burst, three at least, and "
             "RESULT was made of all but the last, with the first as reference"),
-       {"rect", "x,y,width,height", "the part that counts, all four even", parse,
-        [] { return ""; }},
+       rect_setting(rect_, "the part that counts, all four even"),
        real_number("min-psnr", min_psnr_, 0, 1000, "exit status 1 where a plane is below (dB)"),
        real_number("min-ssim", min_ssim_, -1, 1, "exit status 1 where a plane is below"),
        word("diff", difference_.path, "OUT", "picture of the differences, eightfold")});

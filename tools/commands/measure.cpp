@@ -19,8 +19,8 @@ Report row_of(const std::string& name, const Rect& rect, const Measures& measure
           {"mean", decimals(measures.mean, 2)}};
 }
 
-// Marks the frames of the largest focus value. Only rectangles of one size compare, and no frames
-// without any detail.
+// Marks the frames of the largest focus value. Rectangles of different sizes do not compare, nor do
+// frames without any detail.
 void mark_sharpest(Report& rows, const std::vector<Rect>& rects, bool as_text) {
   const auto same_size = [&](const Rect& rect) {
     return rect.width == rects.front().width && rect.height == rects.front().height;
@@ -41,14 +41,9 @@ class Measure : public Command {
 
   void declare(Options& options) override {
     input_.declare(options, "frames; of several the sharpest is marked");
-    const auto parse = [this](const std::string& text) {
-      rect_ = parse_rect(text);
-      return rect_.has_value();
-    };
-    options.add({{"rect", "x,y,width,height",
-                  "without it all but the last column and row, which is the largest there is, or "
-                  "of frames above 8 megapixels its middle",
-                  parse, [] { return ""; }},
+    options.add({rect_setting(rect_,
+                              "without it all but the last column and row, which is the largest "
+                              "there is, or of frames above 8 megapixels its middle"),
                  flag("csv", csv_, "print results as comma-separated values")});
   }
 

@@ -21,16 +21,9 @@ class Replay : public Command {
       steps_.push_back(parse_step(text));
       return true;
     };
-    const auto parse_meta = [this](const std::string& text) {
-      const auto numbers = parse_list(text, 2, 0, INT32_MAX);
-      if (numbers) meta_ = *numbers;
-      return numbers.has_value();
-    };
     const std::string what = "next step, one of " + step_usages() + "; settings may be named, too";
     const auto nothing = [] { return ""; };
-    options.add({{"then", "STEP", what, add_step, nothing, true},
-                 {"meta", "LUMA[,CHROMA]", "bytes in front of luma and chroma, such as 64,0",
-                  parse_meta, nothing}});
+    options.add({{"then", "STEP", what, add_step, nothing, true}, meta_.setting()});
   }
 
   int run(Console& console) override {
@@ -65,7 +58,7 @@ class Replay : public Command {
  private:
   Input input_;
   Output output_;
-  std::vector<int> meta_;
+  DumpMeta meta_;
   std::vector<Step> steps_;
 };
 

@@ -4,9 +4,10 @@
 #include <new>
 
 #include "tools/images/convert.h"
-#include "tools/images/raw_frame.h"
+#include "tools/images/raw_format.h"
 
 extern "C" {
+#include <libavutil/imgutils.h>
 #include <libavutil/opt.h>
 }
 
@@ -35,7 +36,6 @@ constexpr PictureFormat kPictureFormats[] = {
     {".pgm", AV_CODEC_ID_PGM, {AV_PIX_FMT_GRAY8}},
 };
 constexpr char kStream[] = ".y4m";
-constexpr const char* kRaw[] = {".nv12", ".nv21", ".yuv", ".i420", ".yv12"};
 
 const PictureFormat* picture_format(const std::string& extension) {
   const auto* const found =
@@ -120,21 +120,54 @@ Bytes encode_picture(const AVFrame& source, const PictureFormat& format) {
   return {packet->data, packet->data + packet->size};
 }
 
+Bytes encode_raw(const Frame& frame, const std::string& extension) {
+  if (extension == ".nv12") return frame.with_order(ChromaOrder::kUv).buffer();
+  if (extension == ".nv21") return frame.with_order(ChromaOrder::kVu).buffer();
+  const bool v_first = extension == ".yv12";
+  if (!v_first && extension != ".i420") return frame.buffer();
+  const AvFrame av = convert(*to_av(frame), {AV_PIX_FMT_YUV420P});
+  if (v_first) {
+    std::swap(av->data[1], av->data[2]);
+    std::swap(av->linesize[1], av->linesize[2]);
+  }
+  const int size = av_image_get_buffer_size(AV_PIX_FMT_YUV420P, frame.width(), frame.height(), 1);
+  Bytes bytes(static_cast<size_t>(size));
+  av_image_copy_to_buffer(bytes.data(), size, av->data, av->linesize, AV_PIX_FMT_YUV420P,
+                          frame.width(), frame.height(), 1);
+  return bytes;
+}
+
+std::vector<std::string> output_extensions() {
+  std::vector<std::string> names;
+  for (const PictureFormat& format : kPictureFormats) names.push_back(format.extension);
+  names.push_back(kStream);
+  for (const std::string& raw : raw_extensions()) names.push_back(raw);
+  return names;
+}
+
+template <class Image>
+void save_as(const Image& image, const std::string& path) {
+  const std::string extension = path == "-" ? kStream : extension_of(path);
+  write_file(path, with_ffmpeg(path, [&] { return encode(image, extension); }));
+}
+
 }  // namespace
 
-std::string output_extensions() {
-  std::string text;
-  for (const PictureFormat& format : kPictureFormats) text += format.extension + std::string(", ");
-  text += kStream;
-  for (const char* raw : kRaw)
-    text += (raw == *std::rbegin(kRaw) ? " or " : ", ") + std::string(raw);
-  return text;
+void check_output(const std::string& path, bool force) {
+  const std::vector<std::string> known = output_extensions();
+  if (path != "-" && std::find(known.begin(), known.end(), extension_of(path)) == known.end()) {
+    std::string text = path + ": an output ends in " + known.front();
+    for (size_t k = 1; k < known.size(); ++k) {
+      text += (k + 1 == known.size() ? " or " : ", ") + known[k];
+    }
+    throw Error(text);
+  }
+  check_file(path, force);
 }
 
-bool is_output_extension(const std::string& extension) {
-  return picture_format(extension) != nullptr || extension == kStream ||
-         std::find(std::begin(kRaw), std::end(kRaw), extension) != std::end(kRaw);
-}
+void save(const Frame& frame, const std::string& path) { save_as(frame, path); }
+
+void save(const Picture& picture, const std::string& path) { save_as(picture, path); }
 
 Bytes encode(const Frame& frame, const std::string& extension) {
   if (const PictureFormat* const format = picture_format(extension)) {

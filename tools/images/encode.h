@@ -7,13 +7,17 @@
 
 namespace zavri::tools {
 
-// For people: ".png, .jpg ... or .yv12".
-std::string output_extensions();
+// Throws an Error unless the name's extension is one that encode() takes, the folder exists, and
+// nothing is overwritten without `force`. Call it before the work that makes the output.
+void check_output(const std::string& path, bool force);
 
-// Whether encode() knows the extension, which is in lower case.
-bool is_output_extension(const std::string& extension);
+// Writes a file by the extension of `path`; stdout takes Y4M.
+void save(const Frame& frame, const std::string& path);
+void save(const Picture& picture, const std::string& path);
 
-// The bytes of a file with this extension.
+// Returns the bytes of a file with this extension, which is in lower case. Raw frames .nv12 and
+// .nv21 get the layout of the frame with its padding, .yuv and .raw its order of chroma, too; .i420
+// and .yv12 have no padding.
 Bytes encode(const Frame& frame, const std::string& extension);
 Bytes encode(const Picture& picture, const std::string& extension);
 

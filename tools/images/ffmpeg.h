@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <new>
 #include <string>
 
 extern "C" {
@@ -12,7 +13,7 @@ extern "C" {
 
 #include "tools/error.h"
 
-// FFmpeg's structures as owners of what they hold.
+// These types own what FFmpeg's structures hold.
 namespace zavri::tools {
 
 struct FreeAv {
@@ -33,10 +34,22 @@ AvCodec new_av_codec(const AVCodec* codec);
 // Passes on what one of FFmpeg's functions returned, unless it says that there is no memory.
 int with_memory(int code);
 
-// "path: what: FFmpeg's text of the code".
+// Makes the text "path: what: FFmpeg's text of the code".
 Error av_error(const std::string& path, const std::string& what, int code);
 
 // Keeps FFmpeg from writing to stderr.
 void silence_av_log();
+
+// Runs a function that calls FFmpeg for the file at `path`. Want of memory is told of with its
+// name.
+template <class Function>
+auto with_ffmpeg(const std::string& path, Function function) {
+  silence_av_log();
+  try {
+    return function();
+  } catch (const std::bad_alloc&) {
+    throw Error(path + ": there is not enough memory for it");
+  }
+}
 
 }  // namespace zavri::tools

@@ -1,59 +1,34 @@
 #include "tools/images/files.h"
 
 #include <algorithm>
-#include <charconv>
-#include <new>
-#include <optional>
 #include <utility>
+
+extern "C" {
+#include <libavutil/imgutils.h>
+}
 
 #include "tools/error.h"
 #include "tools/images/convert.h"
 #include "tools/images/decode.h"
-#include "tools/images/encode.h"
-#include "tools/images/raw_frame.h"
 #include "tools/images/upright.h"
 
 namespace zavri::tools {
 namespace {
 
-// Frames [first, end) of a file.
-struct Range {
-  int64_t first;
-  int64_t end;
-  std::string text;  // as it was given, with its option
-};
-
-std::optional<int> parse_index(const std::string& text) {
-  int index = 0;
-  const char* const end = text.data() + text.size();
-  const auto [rest, error] = std::from_chars(text.data(), end, index);
-  if (error != std::errc() || rest != end || index < 0) return std::nullopt;
-  return index;
+std::string option_of(const FrameRange& range) {
+  return (range.first == range.last ? "--frame " : "--frames ") + range.text();
 }
 
-Range parse_range(const std::string& text, int most) {
-  if (text.empty()) return {0, most, ""};
-  const size_t colon = text.find(':');
-  const bool is_one = colon == std::string::npos;
-  const std::string option = (is_one ? "--frame " : "--frames ") + text;
-  const std::optional<int> first = parse_index(text.substr(0, colon));
-  const std::optional<int> last = is_one ? first : parse_index(text.substr(colon + 1));
-  if (!first || !last || *last < *first) {
-    throw Error(option + ": a number from 0, or two such as 0:3");
-  }
-  return {*first, int64_t{*last} + 1, option};
-}
-
-[[noreturn]] void refuse_range(const std::string& path, const Range& range, int64_t total) {
-  throw Error(range.text + ": " + path + " has " +
+[[noreturn]] void refuse_range(const std::string& path, const FrameRange& range, int64_t total) {
+  throw Error(option_of(range) + ": " + path + " has " +
               (total == 1 ? "one frame, 0"
                           : std::to_string(total) + " frames, 0 to " + std::to_string(total - 1)));
 }
 
-Loaded load_raw(Source& source, const RawOptions& options, const Range& range) {
+Loaded load_raw(Source& source, const InputOptions& options) {
   Bytes bytes = source.take_bytes();
-  const RawFormat format = raw_format(source.path(), options, bytes.size());
-  if (!range.text.empty() && range.end != 1) refuse_range(source.path(), range, 1);
+  const RawFormat format = raw_format(source.path(), options.raw, bytes.size());
+  if (options.frames && options.frames->last > 0) refuse_range(source.path(), *options.frames, 1);
   Loaded loaded{"raw " + format.pixel, true, 1, {}};
   loaded.frames.push_back(decode_raw(std::move(bytes), format));
   return loaded;
@@ -68,14 +43,15 @@ void check_size(const std::string& path, const AVFrame& frame) {
               " are read");
 }
 
-Loaded load_decoded(Source& source, const Probe& found, const Range& range) {
+Loaded load_decoded(Source& source, const Probe& found, const InputOptions& options, int most) {
   Decoder decoder(source, found);
   Loaded loaded;
-  for (int64_t k = 0; k < range.end; ++k) {
+  const FrameRange range = options.frames.value_or(FrameRange{0, most - 1});
+  for (int64_t k = 0; k <= range.last; ++k) {
     const AvFrame frame = decoder.next();
     if (frame == nullptr) {
       if (k == 0) throw Error(source.path() + ": there is no whole frame in it");
-      if (!range.text.empty()) refuse_range(source.path(), range, k);
+      if (options.frames) refuse_range(source.path(), range, k);
       break;
     }
     if (k < range.first) continue;
@@ -87,9 +63,9 @@ Loaded load_decoded(Source& source, const Probe& found, const Range& range) {
   return loaded;
 }
 
-// Whether the file is a raw frame. A name that says so is believed, since a raw frame may begin
-// like a picture by chance. Other names tell by the bytes, and where these leave doubt, by whether
-// there is a size and the extension is none that FFmpeg knows.
+// Tells whether the file is a raw frame. A name that says so is believed, since a raw frame may
+// begin like a picture by chance. Other names tell by the bytes, and where these leave doubt, by
+// whether there is a size and the extension is none that FFmpeg knows.
 bool is_raw(const std::string& path, const RawOptions& options, const Probe& found) {
   if (has_raw_extension(path)) return true;
   if (found.is_sure() || !has_raw_size(path, options)) return false;
@@ -100,36 +76,22 @@ bool is_raw(const std::string& path, const RawOptions& options, const Probe& fou
   throw Error(raw.first_given() + ": " + path + " is not raw and says this itself");
 }
 
-// Runs a function whose want of memory is then told of with the file's name.
-template <class Function>
-auto with_name(const std::string& path, Function function) {
-  silence_av_log();
-  try {
-    return function();
-  } catch (const std::bad_alloc&) {
-    throw Error(path + ": there is not enough memory for it");
-  }
-}
-
-template <class Image>
-void save_as(const Image& image, const std::string& path) {
-  const Bytes bytes =
-      with_name(path, [&] { return encode(image, path == "-" ? ".y4m" : extension_of(path)); });
-  write_file(path, bytes);
-}
-
 }  // namespace
 
+std::string FrameRange::text() const {
+  const std::string end = first == last ? "" : ':' + std::to_string(last);
+  return std::to_string(first) + end;
+}
+
 Loaded load(const std::string& path, const InputOptions& options, int most) {
-  return with_name(path, [&] {
-    const Range range = parse_range(options.frames, most);
+  return with_ffmpeg(path, [&] {
     Source source(path);
     const Probe found = has_raw_extension(path) ? Probe{} : probe(source);
-    if (is_raw(path, options.raw, found)) return load_raw(source, options.raw, range);
+    if (is_raw(path, options.raw, found)) return load_raw(source, options);
     if (found.format == nullptr) {
       throw Error(path + ": not a picture or a video; for a raw frame give --size WxH");
     }
-    return load_decoded(source, found, range);
+    return load_decoded(source, found, options, most);
   });
 }
 
@@ -150,7 +112,7 @@ std::vector<Frame> load_frames(const std::vector<std::string>& paths, const Inpu
   std::vector<Loaded> all = load_all(paths, options, most);
   std::vector<Frame> frames;
   for (size_t k = 0; k < all.size(); ++k) {
-    if (options.frames.empty() && all[k].total_frames > most) {
+    if (!options.frames && all[k].total_frames > most) {
       throw Error(paths[k] + ": there are " + std::to_string(all[k].total_frames) +
                   " frames in it; --frame N" +
                   (most > 1 ? " or --frames A:B names some" : " names one") + ", counted from 0");
@@ -162,12 +124,30 @@ std::vector<Frame> load_frames(const std::vector<std::string>& paths, const Inpu
 
 Frame load_frame(const std::string& path, const InputOptions& options) {
   std::vector<Frame> frames = load_frames({path}, options, 1);
-  if (frames.size() > 1) throw Error("--frames " + options.frames + ": one frame is used here");
+  if (frames.size() > 1) throw Error(option_of(*options.frames) + ": one frame is used here");
   return std::move(frames.front());
 }
 
+Frame decode_raw(Bytes bytes, const RawFormat& format) {
+  if (format.is_semi_planar()) {
+    return Frame(format.width, format.height, format.order(), format.layout(), std::move(bytes));
+  }
+  const bool v_first = format.pixel == "yv12";
+  const AVPixelFormat pixel = v_first ? AV_PIX_FMT_YUV420P : av_get_pix_fmt(format.pixel.c_str());
+  uint8_t* planes[4];
+  int strides[4];
+  av_image_fill_arrays(planes, strides, bytes.data(), pixel, format.width, format.height, 1);
+  if (v_first) std::swap(planes[1], planes[2]);
+  const AvFrame av = new_av_frame(pixel, format.width, format.height);
+  av->color_range = AVCOL_RANGE_JPEG;
+  av->colorspace = AVCOL_SPC_BT470BG;
+  av_image_copy(av->data, av->linesize, const_cast<const uint8_t**>(planes), strides, pixel,
+                format.width, format.height);
+  return frame_from_av(*av);
+}
+
 Picture load_picture(const std::string& path) {
-  return with_name(path, [&] {
+  return with_ffmpeg(path, [&] {
     Source source(path);
     const Probe found = probe(source);
     if (found.format == nullptr) throw Error(path + ": not a picture or a video");
@@ -177,16 +157,5 @@ Picture load_picture(const std::string& path) {
     return upright(picture_from_av(*frame), orientation_of(*frame));
   });
 }
-
-void check_output(const std::string& path, bool force) {
-  if (path != "-" && !is_output_extension(extension_of(path))) {
-    throw Error(path + ": an output ends in " + output_extensions());
-  }
-  check_file(path, force);
-}
-
-void save(const Frame& frame, const std::string& path) { save_as(frame, path); }
-
-void save(const Picture& picture, const std::string& path) { save_as(picture, path); }
 
 }  // namespace zavri::tools

@@ -1,26 +1,36 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "tools/images/encode.h"
 #include "tools/images/frame.h"
 #include "tools/images/raw_format.h"
 #include "tools/images/storage.h"
 
-// Frames and pictures from and to files of all formats. Each function throws an Error of one line
-// that names the file.
+// These functions load frames and pictures from files of all formats; save() of encode.h writes
+// them. Each throws an Error of one line that names the file.
 namespace zavri::tools {
+
+// Names frames of a stream, counted from 0; `last` is one of them.
+struct FrameRange {
+  int first;
+  int last;
+
+  std::string text() const;  // "2" or "0:3"
+};
 
 struct InputOptions {
   RawOptions raw;
-  std::string frames;  // of a stream: "N", or "A:B" with B included, counted from 0
+  std::optional<FrameRange> frames;
 };
 
-// What was taken of a file: a raw frame, a picture, or frames of a stream.
+// Holds what was taken of a file: a raw frame, a picture, or frames of a stream.
 struct Loaded {
   std::string format;         // for people: "png rgb24", "h264 yuv420p", "raw nv21"
-  bool is_raw = false;        // only then the raw options were used
+  bool is_raw = false;        // only raw frames use the raw options
   int64_t total_frames = 1;   // in the file
   std::vector<Frame> frames;  // one at least
 };
@@ -33,27 +43,20 @@ Loaded load(const std::string& path, const InputOptions& options, int most = 1);
 std::vector<Loaded> load_all(const std::vector<std::string>& paths, const InputOptions& options,
                              int most = 1);
 
-// The frames of all paths. Throws when a stream has more than `most` and the options name none, and
-// like load_all().
+// Loads the frames of all paths. Throws when a stream has more than `most` and the options name
+// none, and like load_all().
 std::vector<Frame> load_frames(const std::vector<std::string>& paths, const InputOptions& options,
                                int most);
 
-// The one frame of a file.
+// Loads the one frame of a file.
 Frame load_frame(const std::string& path, const InputOptions& options);
 
-// A picture, or the first frame of a stream, as RGB at its full size.
+// Makes a frame of format.bytes bytes. Those of a semi-planar frame become its buffer as they are;
+// others are converted. No raw frame says its range: it is taken as full, and the matrix as BT.601,
+// which is what cameras of phones make.
+Frame decode_raw(Bytes bytes, const RawFormat& format);
+
+// Loads a picture, or the first frame of a stream, as RGB at its full size.
 Picture load_picture(const std::string& path);
-
-// For people: the extensions that outputs have, such as ".png, .jpg or .nv12".
-std::string output_extensions();
-
-// Throws unless the name's extension is one of output_extensions(), the folder exists, and nothing
-// is overwritten without `force`. Call it before the work that makes the output.
-void check_output(const std::string& path, bool force);
-
-// By the extension of `path`; stdout takes Y4M. Raw semi-planar files get the layout of the frame
-// with its padding, .yuv the frame's own order of chroma, too.
-void save(const Frame& frame, const std::string& path);
-void save(const Picture& picture, const std::string& path);
 
 }  // namespace zavri::tools

@@ -19,9 +19,22 @@ extern "C" {
 namespace zavri::tools {
 namespace {
 
-constexpr const char* kRawExtensions[] = {".nv12", ".nv21", ".yuv", ".i420", ".yv12", ".raw"};
+struct RawExtension {
+  const char* name;
+  const char* pixel;  // what a frame in such a file has unless the options say otherwise
+};
+constexpr RawExtension kRawExtensions[] = {{".nv12", "nv12"}, {".nv21", "nv21"}, {".yuv", "nv12"},
+                                           {".raw", "nv12"},  {".i420", "i420"}, {".yv12", "yv12"}};
 
-// "4000x2250" at `at`, or nothing.
+const RawExtension* find_extension(const std::string& path) {
+  const std::string extension = extension_of(path);
+  const auto* const found =
+      std::find_if(std::begin(kRawExtensions), std::end(kRawExtensions),
+                   [&](const RawExtension& known) { return extension == known.name; });
+  return found == std::end(kRawExtensions) ? nullptr : found;
+}
+
+// Returns the size that begins at `at`, such as "4000x2250", or nothing.
 std::string size_at(const std::string& text, size_t at) {
   constexpr char kDigits[] = "0123456789";
   const size_t x = text.find_first_not_of(kDigits, at);
@@ -42,14 +55,11 @@ std::string size_in_name(const std::string& path) {
 }
 
 std::string pixel_in_name(const std::string& path) {
-  const std::string extension = extension_of(path);
-  for (const char* known : {".nv21", ".i420", ".yv12"}) {
-    if (extension == known) return extension.substr(1);
-  }
-  return "nv12";
+  const RawExtension* const extension = find_extension(path);
+  return extension == nullptr ? "nv12" : extension->pixel;
 }
 
-// FFmpeg's name of the pixel format; yv12, which it does not have, stays.
+// Returns FFmpeg's name of the pixel format; yv12, which it does not have, stays.
 std::string parse_pixel(const std::string& text) {
   if (text == "i420") return "yuv420p";
   if (text == "yv12") return text;
@@ -116,8 +126,8 @@ std::string describe(const RawFormat& format) {
   return text;
 }
 
-// The asked format with the padding that makes it so many bytes, less than as much again in either
-// direction.
+// Returns the asked format with the padding that makes it so many bytes, where that is less than as
+// much again in either direction.
 std::optional<RawFormat> with_fitting_padding(const RawFormat& asked, int area) {
   const int paddings[][2] = {{asked.width, asked.height},
                              {area / asked.scanlines, asked.scanlines},
@@ -135,7 +145,8 @@ std::optional<RawFormat> with_fitting_padding(const RawFormat& asked, int area) 
   return std::nullopt;
 }
 
-// A size of this many pixels without padding: one that cameras have, or of the width asked for.
+// Returns a format of this many pixels without padding, whose size is one that cameras have or has
+// the width asked for.
 std::optional<RawFormat> with_fitting_size(const RawFormat& asked, int area) {
   constexpr int kSizes[][2] = {{640, 480},   {1280, 720},  {1920, 1080}, {2592, 1944}, {3264, 2448},
                                {3840, 2160}, {4000, 2250}, {4000, 3000}, {4032, 3024}, {4160, 3120},
@@ -197,10 +208,12 @@ std::string extension_of(const std::string& path) {
   return extension;
 }
 
-bool has_raw_extension(const std::string& path) {
-  const std::string extension = extension_of(path);
-  return std::any_of(std::begin(kRawExtensions), std::end(kRawExtensions),
-                     [&](const char* raw) { return extension == raw; });
+bool has_raw_extension(const std::string& path) { return find_extension(path) != nullptr; }
+
+std::vector<std::string> raw_extensions() {
+  std::vector<std::string> names;
+  for (const RawExtension& extension : kRawExtensions) names.push_back(extension.name);
+  return names;
 }
 
 bool has_raw_size(const std::string& path, const RawOptions& options) {
@@ -229,14 +242,6 @@ std::pair<int, int> parse_size(const std::string& text, const std::string& argum
   throw Error(argument + " " + text + ": a size is WxH, both even and at most " +
               std::to_string(kLargestSide) + ", such as 4000x3000");
 }
-
-ChromaOrder parse_order(const std::string& pixel) {
-  if (pixel == "nv12") return ChromaOrder::kUv;
-  if (pixel == "nv21") return ChromaOrder::kVu;
-  throw Error("--pix " + pixel + ": the formats are nv12 and nv21");
-}
-
-const char* name_of(ChromaOrder order) { return order == ChromaOrder::kUv ? "nv12" : "nv21"; }
 
 RawFormat raw_format(const std::string& path, const RawOptions& options, size_t bytes) {
   const std::string named = size_in_name(path);

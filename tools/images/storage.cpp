@@ -5,7 +5,6 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <csignal>
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
@@ -40,7 +39,7 @@ void write_all(File file, const Bytes& bytes, const std::string& path) {
   }
 }
 
-// What a chain of symbolic links names, whether it exists or not.
+// Returns what a chain of symbolic links names, whether it exists or not.
 std::string target_of(const std::string& path) {
   constexpr int kMostLinks = 40;  // the kernel's own limit
   fs::path target = path;
@@ -105,9 +104,6 @@ void make_folder(const std::string& folder) {
 }
 
 void write_file(const std::string& path, const Bytes& bytes) {
-  // Above a limit of file sizes the signal would end the program with its temporary file left;
-  // without it write() fails with EFBIG.
-  signal(SIGXFSZ, SIG_IGN);
   if (path == "-") {
     if (fwrite(bytes.data(), 1, bytes.size(), stdout) != bytes.size() || fflush(stdout) != 0) {
       throw write_failure(path);

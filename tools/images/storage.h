@@ -8,7 +8,7 @@ namespace zavri::tools {
 
 using Bytes = std::vector<uint8_t>;
 
-// All of these throw an Error that names the path. "-" is stdin and stdout.
+// All of these functions throw an Error that names the path. "-" is stdin and stdout.
 Bytes read_file(const std::string& path);
 
 // Throws unless the folder that is to hold `path` exists, and when `path` exists and `force` is not

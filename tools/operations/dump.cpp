@@ -14,7 +14,7 @@
 namespace zavri::tools {
 namespace {
 
-// What the library finds in the camera folder under any name, unless null.
+// The library finds this file in the camera folder under any name, unless it is null.
 const char* g_shown_dump = nullptr;
 
 bool is_shown(const char* path) {
@@ -22,7 +22,8 @@ bool is_shown(const char* path) {
   return g_shown_dump != nullptr && strncmp(path, kFolder, sizeof kFolder - 1) == 0;
 }
 
-// Plane after plane, the rows without padding: as the file is, so is the buffer.
+// Describes plane after plane with rows as wide as their stride, so that the buffer becomes what
+// the file is.
 T_DumpFrameInfo describe(const RawFormat& format, uint32_t luma_meta, uint32_t chroma_meta) {
   const auto stride = static_cast<uint32_t>(format.stride);
   const auto luma_bytes = luma_meta + stride * static_cast<uint32_t>(format.scanlines);
@@ -34,31 +35,27 @@ T_DumpFrameInfo describe(const RawFormat& format, uint32_t luma_meta, uint32_t c
   return info;
 }
 
-// The bytes in front of luma and chroma, and whether the dump is a fixed one.
-struct Meta {
-  size_t luma = 0;
-  size_t chroma = 0;
-  bool fixed = false;
-};
+bool is_fixed_dump(const std::string& path) {
+  return std::filesystem::path(path).filename() == "0.yuv";
+}
 
-Meta meta_of(const std::string& path, const std::vector<int>& meta, size_t size) {
-  Meta bytes;
-  if (!meta.empty()) bytes.luma = static_cast<size_t>(meta[0]);
-  if (meta.size() > 1) bytes.chroma = static_cast<size_t>(meta[1]);
-  bytes.fixed = std::filesystem::path(path).filename() == "0.yuv";
-  const size_t both = bytes.luma + bytes.chroma;
-  if (bytes.fixed && both > 0) throw Error("--meta: " + path + " is a fixed dump, which has none");
+// Returns how many bytes of the file are no meta bytes.
+size_t without_meta(const std::string& path, const DumpMeta& meta, size_t size) {
+  const size_t both = static_cast<size_t>(meta.luma) + static_cast<size_t>(meta.chroma);
+  if (both > 0 && is_fixed_dump(path)) {
+    throw Error("--meta: " + path + " is a fixed dump, which has none");
+  }
   if (both > size) throw Error("--meta: " + path + " is smaller");
-  return bytes;
+  return size - both;
 }
 
 // Reads the file by the library, which finds it in the camera folder.
-void read_dump(const std::string& path, const RawFormat& format, const Meta& meta,
+void read_dump(const std::string& path, const RawFormat& format, const DumpMeta& meta,
                std::vector<uint8_t>& bytes) {
-  const size_t chroma = meta.luma + format.layout().chroma_at;
+  const size_t chroma = static_cast<size_t>(meta.luma) + format.layout().chroma_at;
   int32_t code = 0;
   g_shown_dump = path.c_str();
-  if (meta.fixed) {
+  if (is_fixed_dump(path)) {
     code = zavri_debug_load_fixed_yuv(bytes.data(), static_cast<uint32_t>(chroma), &bytes[chroma],
                                       static_cast<uint32_t>(bytes.size() - chroma));
   } else {
@@ -73,24 +70,37 @@ void read_dump(const std::string& path, const RawFormat& format, const Meta& met
 
 }  // namespace
 
-Frame load_dump(const std::string& path, const RawOptions& raw, const std::vector<int>& meta) {
+Setting DumpMeta::setting() {
+  const auto assign = [this](const std::string& text) {
+    const auto numbers = parse_list(text, 2, 0, INT32_MAX);
+    if (!numbers) return false;
+    luma = numbers->front();
+    chroma = numbers->size() > 1 ? numbers->back() : 0;
+    return true;
+  };
+  return {"meta", "LUMA[,CHROMA]", "bytes in front of luma and chroma, such as 64,0", assign,
+          [this] {
+            return luma + chroma == 0 ? "" : std::to_string(luma) + ',' + std::to_string(chroma);
+          }};
+}
+
+Frame load_dump(const std::string& path, const RawOptions& raw, const DumpMeta& meta) {
   std::error_code error;
   const auto size = static_cast<size_t>(std::filesystem::file_size(path, error));
   if (error) throw Error(path + ": cannot be read: " + error.message());
   // One read of the system moves no more.
   if (size > INT32_MAX - 4096) throw Error(path + ": larger than 2 gigabytes");
-  const Meta front = meta_of(path, meta, size);
-  const RawFormat format = raw_format(path, raw, size - front.luma - front.chroma);
+  const RawFormat format = raw_format(path, raw, without_meta(path, meta, size));
   if (!format.is_semi_planar()) {
     throw Error("--pix " + format.pixel + ": dumps are nv12 or nv21");
   }
   if (access(path.c_str(), R_OK) != 0) throw Error(path + ": cannot be read: " + strerror(errno));
 
   std::vector<uint8_t> bytes(size);
-  read_dump(path, format, front, bytes);
-  bytes.erase(bytes.begin(), bytes.begin() + static_cast<ptrdiff_t>(front.luma));
+  read_dump(path, format, meta, bytes);
+  bytes.erase(bytes.begin(), bytes.begin() + meta.luma);
   Layout layout = format.layout();
-  layout.chroma_at += front.chroma;
+  layout.chroma_at += static_cast<size_t>(meta.chroma);
   layout.bytes = bytes.size();
   return {format.width, format.height, format.order(), layout, std::move(bytes)};
 }

@@ -5,7 +5,6 @@
 #include <numeric>
 
 #include "tools/error.h"
-#include "tools/operations/setting.h"
 
 namespace zavri::tools {
 namespace {
@@ -43,10 +42,14 @@ std::string Rect::text() const {
          std::to_string(height);
 }
 
-std::optional<Rect> parse_rect(const std::string& text) {
-  const auto numbers = parse_list(text, 4, 0, kLargestSide);
-  if (!numbers || numbers->size() != 4) return {};
-  return Rect{(*numbers)[0], (*numbers)[1], (*numbers)[2], (*numbers)[3]};
+Setting rect_setting(std::optional<Rect>& rect, const char* what) {
+  const auto assign = [&rect](const std::string& text) {
+    const auto numbers = parse_list(text, 4, 0, kLargestSide);
+    if (!numbers || numbers->size() != 4) return false;
+    rect = Rect{(*numbers)[0], (*numbers)[1], (*numbers)[2], (*numbers)[3]};
+    return true;
+  };
+  return {"rect", "x,y,width,height", what, assign, [&rect] { return rect ? rect->text() : ""; }};
 }
 
 Rect default_rect(const Frame& frame) {
@@ -64,7 +67,7 @@ Measures measure(const std::string& name, const Frame& frame, const Rect& rect) 
   const uint8_t* const luma = frame.luma_row(0);
   const T_OptRect whole{rect.x, rect.y, rect.width, rect.height};
   zavri_auto_shoot_opt_set_FV_rect(&whole);
-  // The rows of the brightness, in a sum that does not wrap.
+  // The mean is that of the brightness's rows, from a sum that does not wrap.
   uint64_t total = 0;
   for (int y = rect.y; y + 1 < rect.y + rect.height; ++y) {
     const uint8_t* const row = frame.luma_row(y) + rect.x;
