@@ -1,4 +1,4 @@
-// What the program refuses, and how it says so.
+// These tests show what the program refuses, and how it says so.
 #include <algorithm>
 #include <fstream>
 
@@ -16,6 +16,7 @@ TEST_F(Zavri, BadInputIsOneLineStatusTwoAndNoFile) {
   std::ofstream(path("few.txt")) << "64 20 -5";
   std::ofstream(path("much.txt")) << "64 20 99999999999";
   std::ofstream(path("rest.txt")) << "64 20 -";
+  write_file(path("wide_2x2.nv12"), Bytes(40000 * 3));
   const std::vector<std::string> before = files();
   const std::string two = " frame0_64x48.nv12 frame1_64x48.nv12 -o out.png";
   struct {
@@ -46,6 +47,10 @@ TEST_F(Zavri, BadInputIsOneLineStatusTwoAndNoFile) {
       {"denoise large.png" + two, "frames of 96x160 and 64x48"},
       {"denoise frame0_64x48.nv12 frame1_64x48.nv12 frame2_64x48.nv12" + two,
        "5 frames, where 1 to 4 are taken"},
+      {"denoise wide_2x2.nv12 --stride 40000 --smooth -o out.png",
+       "--stride 40000: chroma is smoothed with at most 32767"},
+      {"denoise wide_2x2.nv12 wide_2x2.nv12 --stride 40000 --mode edges --gain 9 -o out.png",
+       "--stride 40000: edges are merged with at most 32767"},
       {"chroma photo.png --taps 9 -o out.png", "--taps 9: takes 7, 11, 15, 19"},
       {"chroma photo.png -o out.png", "--taps 11: 64x48 is too small, they take 96x154"},
       {"chroma" + two, "2 frames, where 1 is taken"},

@@ -6,6 +6,7 @@
 #include "tools/command_line.h"
 #include "tools/error.h"
 #include "tools/images/metrics.h"
+#include "tools/operations/denoise.h"
 
 namespace zavri::tools {
 namespace {
@@ -20,7 +21,8 @@ class Burst : public Command {
     settings_.sensor.gain = kSensorGain;
     options.argument("PHOTO", photograph_, "a picture");
     options.add(word("o", folder_, "FOLDER", "of the frames"), true);
-    options.add({whole_number("frames", settings_.frames, 1, 4, "how many"),
+    options.add({whole_number("frames", settings_.frames, Denoise::kFrames.least,
+                              Denoise::kFrames.most, "how many"),
                  choice<std::string>("pix", pixel_, {{"nv12", "nv12"}, {"nv21", "nv21"}},
                                      "format of the frames")});
     declare_sensor(options, settings_.sensor, seed_);

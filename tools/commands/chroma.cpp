@@ -5,7 +5,7 @@
 namespace zavri::tools {
 namespace {
 
-Operate<Chroma> g_chroma("chroma", "denoise the chroma of one frame",
+Operate<Chroma> g_chroma("denoise the chroma of one frame",
                          "chroma frame_4000x3000.nv12 --taps 19 --threshold 20 -o out.png");
 
 }  // namespace

@@ -5,7 +5,7 @@
 namespace zavri::tools {
 namespace {
 
-Operate<Compose> g_compose("compose", "two frames side by side at half their size",
+Operate<Compose> g_compose("two frames side by side at half their size",
                            "compose a.png b.png --pad center --padding 32 -o both.png");
 
 }  // namespace

@@ -6,7 +6,7 @@ namespace zavri::tools {
 namespace {
 
 Operate<Denoise> g_denoise(
-    "denoise", "merge one to four frames of a scene",
+    "merge one to four frames of a scene",
     "denoise frames/frame?_4000x3000.nv12 --thresh 20 --thresh-luma 20 -o out.png");
 
 }  // namespace

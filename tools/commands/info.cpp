@@ -16,7 +16,7 @@ std::string library_file() {
   return dladdr(address, &found) != 0 && found.dli_fname != nullptr ? found.dli_fname : "unknown";
 }
 
-// What the library's choice of vector length goes by.
+// The library chooses its vector length by this.
 const char* processor() {
 #if defined(__x86_64__)
   return __builtin_cpu_supports("avx2") ? "x86-64 with AVX2" : "x86-64 without AVX2";

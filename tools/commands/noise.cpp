@@ -39,7 +39,7 @@ class Noise : public Command {
     }
     Report report{
         {"frames", frames.size()}, {"variances_at_levels", kShownLevels}, {"planes", planes}};
-    // Too long for people.
+    // The list is too long for people.
     if (console.json) report["levels"] = levels;
     console.print(report);
     return kDone;
@@ -67,7 +67,7 @@ class Noise : public Command {
             {"doubt", decimals(level.doubt, 2)}};
   }
 
-  // Where the fit is not to be trusted.
+  // Says where the fit is not to be trusted.
   static void remark(const std::string& name, const PlaneNoise& noise, Console& console) {
     constexpr double kDoubtful = 0.15;
     std::string doubtful;

@@ -5,7 +5,7 @@
 
 namespace zavri::tools {
 
-// A command that runs one operation on frames of files and writes what it makes.
+// This kind of command runs one operation on frames of files and writes what it makes.
 class OperateCommand : public Command {
  public:
   using Command::Command;
@@ -21,10 +21,12 @@ class OperateCommand : public Command {
   Output output_;
 };
 
+// This command has its operation's name.
 template <class AnyOperation>
 class Operate : public OperateCommand {
  public:
-  using OperateCommand::OperateCommand;
+  Operate(const char* what, const char* example)
+      : OperateCommand(AnyOperation::kName, what, example) {}
 
  protected:
   Operation& operation() override { return operation_; }

@@ -11,7 +11,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// Throws an Error where two files have one name.
+// Finds the files of a folder. Throws an Error where two have one name.
 std::map<std::string, std::string> files_by_name(const std::string& folder) {
   std::map<std::string, std::string> files;
   for (const auto& entry : fs::directory_iterator(folder)) {

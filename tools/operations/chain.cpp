@@ -13,21 +13,21 @@
 namespace zavri::tools {
 namespace {
 
-template <class AnyOperation>
-std::unique_ptr<Operation> make() {
-  return std::make_unique<AnyOperation>();
-}
-
 struct Entry {
   const char* name;
   std::unique_ptr<Operation> (*make)();
 };
-constexpr Entry kOperations[] = {
-    {"denoise", make<Denoise>}, {"smooth", make<Smooth>}, {"chroma", make<Chroma>},
-    {"rnr", make<Rnr>},         {"resize", make<Resize>}, {"compose", make<Compose>},
-};
 
-// "rnr[:RADIUS,STRENGTH]".
+template <class AnyOperation>
+constexpr Entry entry() {
+  return {AnyOperation::kName,
+          [] { return std::unique_ptr<Operation>(std::make_unique<AnyOperation>()); }};
+}
+
+constexpr Entry kOperations[] = {entry<Denoise>(), entry<Smooth>(), entry<Chroma>(),
+                                 entry<Rnr>(),     entry<Resize>(), entry<Compose>()};
+
+// Tells what a step may say, such as "rnr[:RADIUS,STRENGTH]".
 std::string usage_of(const Entry& entry) {
   std::vector<std::string> names;
   for (const Setting& setting : entry.make()->settings()) {
@@ -44,7 +44,7 @@ std::string usage_of(const Entry& entry) {
   return usage;
 }
 
-// In a step settings have no dashes.
+// Names the step in front of the text; in a step settings have no dashes.
 Error error_of_step(const std::string& text, const Error& error) {
   const std::string what = error.what();
   return Error("--then " + text + ": " + what.substr(what.rfind("--", 0) == 0 ? 2 : 0),
@@ -82,7 +82,7 @@ void set_values(Operation& operation, const std::vector<std::string>& parts,
   if (named != nullptr) named->set(value);
 }
 
-// Whether it makes one frame of several, as opposed to one of each.
+// Tells whether an operation makes one frame of several, as opposed to one of each.
 bool joins(const Operation& operation) { return operation.takes().most > 1; }
 
 }  // namespace

@@ -6,11 +6,12 @@
 
 #include "tools/operations/operation.h"
 
-// The library's operations by their names, and one after the other.
+// Steps are the library's operations by their names, run one after the other.
 namespace zavri::tools {
 
-// An operation with the settings of its text, "NAME" or "NAME:VALUE,VALUE,setting=VALUE": values
-// without a name come first and belong to the settings in the order of the operation's table.
+// A step is an operation with the settings of its text, "NAME" or "NAME:VALUE,VALUE,setting=VALUE":
+// values without a name come first and belong to the settings in the order of the operation's
+// table.
 struct Step {
   std::string text;
   std::unique_ptr<Operation> operation;
@@ -19,14 +20,14 @@ struct Step {
 // Throws an Error that begins with "--then" and the text.
 Step parse_step(const std::string& text);
 
-// What all steps are called and take, for people.
+// Tells people what all steps are called and take.
 std::string step_usages();
 
-// Throws unless every step can run on what the one before it leaves of so many frames of this size.
-// Returns how many frames are left at the end.
+// Throws an Error unless every step can run on what the one before it leaves of so many frames of
+// this size. Returns how many frames are left at the end.
 int check_steps(const std::vector<Step>& steps, Size size, int frames);
 
-// What a step made of frames: one if it joins them, otherwise one of each.
+// Holds what a step made of frames: one if it joins them, otherwise one of each.
 struct StepResult {
   Frames frames;
   double seconds = 0;  // in the library, of all frames

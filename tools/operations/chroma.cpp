@@ -15,7 +15,6 @@ namespace zavri::tools {
 namespace {
 
 constexpr int kCentreWeight = 64;
-constexpr size_t kLargestStride = 32767;
 
 struct Window {
   int taps;
@@ -99,8 +98,8 @@ void check_weights(const Chroma& chroma) {
   }
 }
 
-// Small planes are filtered with what lies above and below them, which in a fixed layout is what
-// the buffer has there. Elsewhere the first and the last row are repeated.
+// Repeats the first and the last row around the plane. Small planes are filtered with what lies
+// above and below them, which in a fixed layout is what the buffer has there.
 void repeat_borders(Frame& frame, const Room& room) {
   const size_t stride = frame.layout().stride;
   const auto width = static_cast<size_t>(frame.width());
@@ -129,14 +128,17 @@ void run_strips(const Window& window, const T_UVDenoiseParam& param, bool parall
 }  // namespace
 
 Settings Chroma::settings() {
+  std::vector<std::pair<std::string, int>> all_taps;
+  for (const Window& window : kWindows) {
+    all_taps.emplace_back(std::to_string(window.taps), window.taps);
+  }
   const auto read = [this](const std::string& path) {
     weights = read_weights(path);
     weights_file_ = path;
     return true;
   };
   return {
-      choice<int>("taps", taps, {{"7", 7}, {"11", 11}, {"15", 15}, {"19", 19}},
-                  "samples of the window"),
+      choice<int>("taps", taps, all_taps, "samples of the window"),
       whole_number("threshold", threshold, 1, 127, "differences below this one count"),
       or_auto(real_number("falloff", falloff, 0.1, 1000,
                           "sigma of weights that fall as a Gaussian; auto is half the threshold"),
@@ -151,9 +153,9 @@ void Chroma::check(const Size& size, int frames) const {
   check_count(frames);
   if (legacy && (taps != kLegacyWindow.taps || threshold != kDefaultThreshold || falloff > 0 ||
                  !weights.empty())) {
-    throw Error(
-        "--legacy: has 11 taps and a tolerance of its own, and goes without --taps, "
-        "--threshold, --falloff and --weights");
+    throw Error("--legacy: has " + std::to_string(kLegacyWindow.taps) +
+                " taps and a tolerance of its own, and goes without --taps, --threshold, "
+                "--falloff and --weights");
   }
   if (falloff > 0 && !weights.empty()) throw Error("--falloff: goes without --weights");
   check_weights(*this);
@@ -166,6 +168,7 @@ void Chroma::check(const Size& size, int frames) const {
 Result Chroma::run(const Frames& frames, int runs) const {
   const Frame& frame = frames.front();
   check(size_of(frame), static_cast<int>(frames.size()));
+  expect_stride(frame, INT16_MAX, "chroma is denoised with");
   const Window& window = window_of(*this);
   T_UVDenoiseParam param{};
   param.width = static_cast<uint32_t>(frame.width());
@@ -175,10 +178,6 @@ Result Chroma::run(const Frames& frames, int runs) const {
   param.threshold = static_cast<int8_t>(threshold);
   const std::vector<int> used = weights_of(*this);
   std::copy(used.begin(), used.end(), param.weight_table);
-  if (frame.layout().stride > kLargestStride) {
-    throw Error("--stride " + std::to_string(param.stride) + ": chroma is denoised with at most " +
-                std::to_string(kLargestStride));
-  }
   if (parallel) start_pool();
 
   Result result;

@@ -7,10 +7,12 @@ namespace zavri::tools {
 // Denoises the chroma of a frame.
 class Chroma : public Operation {
  public:
-  int taps = 11;  // 7, 11, 15 or 19
+  static constexpr char kName[] = "chroma";
+
+  int taps = 11;  // of one of the library's windows
   int threshold = kDefaultThreshold;
-  double falloff = 0;        // sigma of weights that fall as a Gaussian; 0: half the threshold
-  std::vector<int> weights;  // by difference, instead of those
+  double falloff = 0;        // sigma of weights that fall as a Gaussian; 0 is half the threshold
+  std::vector<int> weights;  // by difference, instead of the Gaussian's
   bool legacy = false;       // eleven taps with a fixed tolerance instead of threshold and weights
   bool parallel = false;     // all strips at once, on the library's pool
 

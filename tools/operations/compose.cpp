@@ -7,9 +7,9 @@
 namespace zavri::tools {
 namespace {
 
-constexpr int64_t kPixelsEnd = 390451573;  // 2^32 / 11
+constexpr int64_t kMostPixels = UINT32_MAX / 11;
 
-// The frame without padding.
+// Returns the frame without padding.
 Frame whole(const Frame& frame) { return frame.crop(0, 0, frame.width(), frame.height()); }
 
 // Says, with the numbers that do not divide, why the picture is not exact.
@@ -27,8 +27,8 @@ std::vector<std::string> remarks_on(const Compose& compose, const Frame& frame) 
   return {"the picture is not exact" + reasons};
 }
 
-// Runs the library. When it has no memory for its scratch frame it leaves the output as it was,
-// whose first byte would otherwise become black.
+// Runs the library. Without memory for its scratch frame it leaves the output as it was, whose
+// first byte would otherwise become black.
 void compose_frames(T_ComposeParam& param) {
   constexpr uint8_t kUntouched = 1;
   param.dst_frame[0] = kUntouched;
@@ -52,8 +52,9 @@ Settings Compose::settings() {
 
 void Compose::check(const Size& size, int frames) const {
   check_count(frames);
-  if (int64_t{size.width} * size.height >= kPixelsEnd) {
-    throw Error(size.text() + ": at most 390 megapixels can be composed");
+  if (int64_t{size.width} * size.height > kMostPixels) {
+    throw Error(size.text() + ": at most " + std::to_string(kMostPixels / 1000000) +
+                " megapixels can be composed");
   }
   if (padding > size.width) {
     throw Error("--padding " + std::to_string(padding) + ": at most the width, " +

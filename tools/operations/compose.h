@@ -4,7 +4,7 @@
 
 namespace zavri::tools {
 
-// Where the bands of padding stand; numbered as the record's mode.
+// The bands of padding stand at one of these places, which have the numbers of the record's mode.
 enum class Pad : uint32_t { kLeft, kRight, kCenter, kBoth };
 
 // Puts two frames of one size side by side at half their size. The library takes frames without
@@ -12,6 +12,8 @@ enum class Pad : uint32_t { kLeft, kRight, kCenter, kBoth };
 // frame's order of chroma.
 class Compose : public Operation {
  public:
+  static constexpr char kName[] = "compose";
+
   int padding = 0;  // columns of all bands together
   Pad pad = Pad::kCenter;
 

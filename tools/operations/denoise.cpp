@@ -80,22 +80,36 @@ std::vector<std::string> remarks_on(const Denoise& denoise, const T_3DYuvDenoise
   return lines;
 }
 
+// The library counts strides in 16 bits where it smooths, and where it merges edges of 2 or 3
+// frames. All copies have the stride of the reference.
+void check_stride(const Denoise& denoise, const Frames& frames) {
+  const bool edges = denoise.merge == Merge::kEdges || denoise.merge == Merge::kEdgesLuma;
+  const bool in_16_bits =
+      denoise.smooth || (edges && denoise.gain < kEdgeGainEnd && frames.size() < 4);
+  if (!in_16_bits) return;
+  expect_stride(frames[static_cast<size_t>(denoise.reference)], INT16_MAX,
+                denoise.smooth ? "chroma is smoothed with" : "edges are merged with");
+}
+
 }  // namespace
 
 Settings Denoise::settings() {
+  const auto threshold = [](const char* name, int& value, const char* what) {
+    return or_auto(whole_number(name, value, 1, 100, what), value);
+  };
+  const std::string edges =
+      "what is merged, the edges only for a gain below " + std::to_string(kEdgeGainEnd);
   return {
-      or_auto(whole_number("thresh", thresh, 1, 100, "of chroma, scaled by the frame's size"),
-              thresh),
-      or_auto(whole_number("thresh-luma", thresh_luma, 1, 100, "of luma, scaled likewise"),
-              thresh_luma),
+      threshold("thresh", thresh, "of chroma, scaled by the frame's size"),
+      threshold("thresh-luma", thresh_luma, "of luma, scaled likewise"),
       choice<Merge>("mode", merge,
                     {{"whole", Merge::kWhole},
                      {"edges", Merge::kEdges},
                      {"edges-luma", Merge::kEdgesLuma},
                      {"chroma", Merge::kChroma}},
-                    "what is merged, the edges only for a gain below 16"),
+                    edges),
       whole_number("gain", gain, 0, 255, "sensor gain of the record"),
-      whole_number("ref", reference, 0, 3, "index of the frame that is denoised"),
+      whole_number("ref", reference, 0, kFrames.most - 1, "index of the frame that is denoised"),
       flag("smooth", smooth, "smooth the chroma afterwards"),
       curve_setting("thresh-table", curve, kThreshTable,
                     "chroma thresholds by gain, for --thresh auto; a file holds them in JSON "
@@ -150,6 +164,7 @@ void DenoiseRuns::prepare(const Room& room) {
 Result DenoiseRuns::run(const Denoise& denoise, int runs) {
   denoise.check(size_of(frames_.front()), static_cast<int>(frames_.size()));
   expect_one_size(frames_);
+  check_stride(denoise, frames_);
   if (worked_ != static_cast<size_t>(denoise.reference)) copies_.clear();
   worked_ = static_cast<size_t>(denoise.reference);
   const Frame& noisy = frames_[worked_];

@@ -5,7 +5,7 @@
 
 namespace zavri::tools {
 
-// What the multi-frame denoise merges; named as the record's switches choose it.
+// Says what the multi-frame denoise merges, as the record's switches choose it.
 enum class Merge { kWhole, kEdges, kEdgesLuma, kChroma };
 
 // The thresholds that the library works with: what it makes of requests, curves, the gain and the
@@ -22,7 +22,11 @@ struct Thresholds {
 // Merges one to four frames of a scene.
 class Denoise : public Operation {
  public:
-  int thresh = 0;  // 1..100 requested, 0 from the gain
+  static constexpr char kName[] = "denoise";
+
+  static constexpr Count kFrames = {1, 4};
+
+  int thresh = 0;  // as requested; 0 asks for the gain's
   int thresh_luma = 0;
   Curve curve;  // over the gain, of thresholds that are 0; empty: the library's own
   Curve curve_luma;
@@ -32,9 +36,9 @@ class Denoise : public Operation {
   bool smooth = false;
 
   Settings settings() override;
-  Count takes() const override { return {1, 4}; }
+  Count takes() const override { return kFrames; }
   void check(const Size& size, int frames) const override;
-  // Figures: the thresholds that the library used, "thresh" and "thresh_luma".
+  // Its figures "thresh" and "thresh_luma" are the thresholds that the library used.
   Result run(const Frames& frames, int runs = 1) const override;
 
   // As the library tells them for frames of this size; it touches no frame for that. Without a mode
@@ -65,6 +69,8 @@ class DenoiseRuns {
 // Smooths the chroma of single frames and merges nothing.
 class Smooth : public Denoise {
  public:
+  static constexpr char kName[] = "smooth";
+
   Smooth() { smooth = true; }
   Settings settings() override;
   Count takes() const override { return {1, 1}; }

@@ -12,7 +12,7 @@ namespace zavri::tools {
 // Rectangles up to this many samples keep every sum below 2^32.
 constexpr int64_t kSafeSamples = UINT32_MAX / (2 * 255);
 
-// Holds columns [x, x + width) and rows [y, y + height) of the luma.
+// A rectangle is columns [x, x + width) and rows [y, y + height) of the luma.
 struct Rect {
   int x, y, width, height;
 

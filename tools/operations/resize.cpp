@@ -32,8 +32,8 @@ Settings Resize::settings() {
                       "the scaler")};
 }
 
-// The library refuses smaller sizes itself. At heights of 4, 5, 6 and 12 it writes where nothing
-// is, or leaves rows unwritten.
+// The library refuses sizes below the frame's itself. At heights of 4, 5, 6 and 12 it writes where
+// nothing is, or leaves rows unwritten.
 void Resize::check(const Size& size, int frames) const {
   check_count(frames);
   if (to.width == 0) throw Error("--to: is needed, such as 3840x2160");

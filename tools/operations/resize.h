@@ -4,13 +4,15 @@
 
 namespace zavri::tools {
 
-// Numbered as the record's scale_mode.
+// The scalers have the numbers of the record's scale_mode.
 enum class Scaling : uint16_t { kPoly, kBilinear };
 
 // Enlarges a frame. The result has no padding behind its planes, and its rows have none unless the
 // frame's stride is larger: the library takes no destination with a smaller stride.
 class Resize : public Operation {
  public:
+  static constexpr char kName[] = "resize";
+
   Size to;
   Scaling scaling = Scaling::kPoly;
 

@@ -9,15 +9,15 @@
 
 namespace zavri::tools {
 
-// A value that people choose, bound to the variable that holds it: an option of the command line or
-// an argument of a step. Its form, its range and its default stand here and nowhere else.
+// A setting is a value that people choose, bound to the variable that holds it: an option of the
+// command line or an argument of a step. Its form, its range and its default stand in it alone.
 struct Setting {
   std::string name;  // "thresh-luma"
-  std::string form;  // what its text looks like, such as "1..100 or auto"; a flag has none
+  std::string form;  // shows what its text looks like, such as "1..100 or auto"; a flag has none
   std::string what;
   // Returns false, and leaves the variable as it is, for a text without this form.
   std::function<bool(const std::string&)> assign;
-  // The text that would assign today's value.
+  // Returns the text that would assign today's value.
   std::function<std::string()> text;
   bool repeats = false;  // assigns once for each time that it is given
 
@@ -28,10 +28,10 @@ struct Setting {
 
 using Settings = std::vector<Setting>;
 
-// A number in the decimal system without a sign other than '-' and without leading zeros.
+// Reads a decimal number without leading zeros and without a sign other than '-'.
 std::optional<int64_t> parse_whole(const std::string& text, int64_t low, int64_t high);
 
-// Such numbers with commas between them, at most `most` of them.
+// Reads at most `most` such numbers with commas between them.
 std::optional<std::vector<int>> parse_list(const std::string& text, size_t most, int low, int high);
 
 std::vector<std::string> split(const std::string& text, char separator);
@@ -42,17 +42,17 @@ Setting real_number(const char* name, double& value, double low, double high, co
 Setting flag(const char* name, bool& value, const char* what);
 Setting word(const char* name, std::string& value, const char* form, const char* what);
 
-// The word `auto` for the value 0.
+// Lets the word `auto` stand for the value 0.
 Setting or_auto(Setting setting, int& value);
 Setting or_auto(Setting setting, double& value);
 
-// "nv12, nv21": for texts that list what there is.
+// Makes a text that lists what there is, such as "nv12, nv21".
 std::string joined(const std::vector<std::string>& names);
 
-// One of several values that have names.
+// Makes the setting of one of several values that have names.
 template <class Value>
 Setting choice(const char* name, Value& value, std::vector<std::pair<std::string, Value>> choices,
-               const char* what) {
+               const std::string& what) {
   std::vector<std::string> names;
   names.reserve(choices.size());
   for (const auto& [choice_name, chosen] : choices) names.push_back(choice_name);
