@@ -31,7 +31,7 @@ struct Measure {
   Expectation expectation;
 };
 
-// Two of them take the rectangle that the library keeps.
+// Runs a measure of the rectangle that the library keeps.
 template <uint32_t (*kRun)(const uint8_t*, uint32_t, uint32_t)>
 uint32_t of_kept_rect(const uint8_t* luma, const T_OptRect* rect, uint32_t width, uint32_t height) {
   zavri_auto_shoot_opt_set_FV_rect(rect);

@@ -9,7 +9,8 @@ int main(int argc, char** argv) {
   benchmark::Initialize(&argc, argv);
   if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 2;
 #ifdef ZAVRI_BENCH_OPENCV
-  // The benchmarks have their own threads. This stands here because it is no function for several.
+  // The peers run on one thread like the kernels. The setting is that of the whole process, so that
+  // no benchmark makes it.
   cv::setNumThreads(1);
 #endif
   zavri::bench::Summary summary;

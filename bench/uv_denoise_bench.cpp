@@ -43,7 +43,7 @@ SharedPlane hard_plane(int width, int rows) {
   return std::make_shared<Plane>(width, rows, Burst(width, 2 * rows, Noise::kHard).chroma[0]);
 }
 
-// The filters work in place; restoring the plane is not in the figure.
+// Adds work in place on a plane, whose restoring is not in the figure.
 template <class Work>
 void add(const std::string& name, const SharedPlane& plane, Work work) {
   add_restoring_benchmark(name, [=](benchmark::State& state) {

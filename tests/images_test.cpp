@@ -1,4 +1,4 @@
-// One picture through files of all formats.
+// These tests take one picture through files of all formats.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -19,7 +19,7 @@ namespace {
 
 using Images = TestFolder;
 
-// BT.601 of full range, each chroma sample the mean of its four pixels.
+// Converts to BT.601 of full range with each chroma sample the mean of its four pixels.
 Frame frame_by_hand(const Picture& picture) {
   Frame frame(picture.width, picture.height);
   for (int y = 0; y < frame.height(); y += 2) {
@@ -50,7 +50,7 @@ Bytes bytes_of(const AVFrame& frame) {
   return bytes;
 }
 
-// What FFmpeg makes of the picture when nobody asks for exactness.
+// FFmpeg makes this of the picture when nobody asks for exactness.
 Bytes planes_by_ffmpeg(const Picture& picture, AVPixelFormat format) {
   const AvFrame from = to_av(picture);
   const AvFrame to = new_av_frame(format, picture.width, picture.height);
@@ -62,7 +62,7 @@ Bytes planes_by_ffmpeg(const Picture& picture, AVPixelFormat format) {
   return bytes_of(*to);
 }
 
-// Of a size at which a video without a matrix would be taken for BT.709.
+// A video of this size without a matrix would be taken for BT.709.
 TEST_F(Images, OnePictureIsTheSameInEveryFormat) {
   constexpr int kWidth = 1290;
   constexpr int kHeight = 722;
@@ -117,7 +117,7 @@ TEST_F(Images, OnePictureIsTheSameInEveryFormat) {
   }
 }
 
-// The sides of the upright picture that the first stored row and the first stored column show.
+// The first stored row and the first stored column show these sides of the upright picture.
 struct StoredSides {
   const char* row;
   const char* column;

@@ -1,4 +1,4 @@
-// What is taken of a file, and what is refused.
+// These tests show what is taken of a file, and what is refused.
 #include <gtest/gtest.h>
 
 #include <random>

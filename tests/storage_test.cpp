@@ -1,4 +1,4 @@
-// Files as outputs, and how raw ones are described.
+// These tests write files, and tell how raw ones are described.
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 #include <sys/stat.h>

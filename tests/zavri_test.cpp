@@ -1,4 +1,4 @@
-// The commands as a user runs them.
+// These tests run the commands as a user does.
 #include <zavricustpro.h>
 
 #include <fstream>
@@ -52,7 +52,7 @@ TEST_F(Zavri, ShowsTheLibrarysLinesAndRemarksOnIdleThresholds) {
 TEST_F(Zavri, ChromaWeightsFallAsTheyAreTold) {
   std::ofstream(path("wide.txt")) << "64 61 51 39";
   std::ofstream(path("narrow.txt")) << "64 39";
-  // The smallest plane, whose windows lead out of it.
+  // The windows lead out of the smallest plane.
   Frame frame = random_frame(96, 142, 6);
   for (uint8_t& byte : frame.buffer()) byte = static_cast<uint8_t>(100 + byte % 8);
   save(frame, path("in_96x142.nv12"));
@@ -116,7 +116,7 @@ TEST_F(Zavri, MeasuresAreTheLibrarysAndTheSharpestIsMarked) {
   const std::string table = run("measure flat_64x48.nv12 sharp_64x48.nv12 --csv").out;
   EXPECT_NE(table.find(",mean,sharpest\n"), std::string::npos) << table;
   EXPECT_EQ(table.substr(table.size() - 3), ",*\n");
-  // The same picture with padding.
+  // This is the same picture with padding.
   const Json padded = Json::parse(
       run("measure sharp_64x48.nv12 --size 60x48 --stride 64 --rect 5,6,20,13 --json").out);
   EXPECT_EQ(padded["measures"][0]["focus"], rows[1]["focus"]);
@@ -143,7 +143,7 @@ TEST_F(Zavri, DemoWritesPicturesAndNumbersOfAnyPhotograph) {
   const Json report = Json::parse(outcome.out);
   expect_plain(report);
   EXPECT_EQ(report["size"], "1800x1200");
-  // Two megapixels: 15 % of the thresholds asked for.
+  // At two megapixels the thresholds are 15 % of those asked for.
   EXPECT_EQ(report["thresh"], 4);
   EXPECT_EQ(report["thresh_luma"], 6);
   for (const auto& plane : report["denoise"]) {
@@ -159,7 +159,7 @@ TEST_F(Zavri, DemoWritesPicturesAndNumbersOfAnyPhotograph) {
   EXPECT_EQ(load_picture(path("results/compose.png")).height, 1200);
   EXPECT_EQ(run("info results/after.png").status, kDone);
 
-  // Of small ones, the operations that they are large enough for.
+  // Small photographs show the operations that they are large enough for.
   for (const auto& [width, height] : {std::pair{32, 10}, {40, 200}}) {
     save(gradient(width, height), path("small.png"));
     const Outcome small = run("demo small.png -o results" + std::to_string(height));

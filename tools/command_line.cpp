@@ -11,7 +11,7 @@
 namespace zavri::tools {
 namespace {
 
-// Set before any command is made, since it is a constant.
+// The list is empty before any command is made, since its first value is a constant.
 Command* g_last_command = nullptr;
 
 std::string names_of(const std::vector<Command*>& commands) {
@@ -100,7 +100,7 @@ void Options::add(const Setting& setting, bool required) {
         option, [setting] { setting.set("true"); }, setting.what);
     return;
   }
-  // A vector is what the parser gives for one value and for a repeated option alike.
+  // The parser gives a vector for one value and for a repeated option alike.
   const auto set = [setting](const std::vector<std::string>& texts) {
     for (const std::string& text : texts) setting.set(text);
   };

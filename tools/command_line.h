@@ -15,15 +15,15 @@ class App;
 
 namespace zavri::tools {
 
-// What one command takes. The parser behind it is known to command_line.cpp alone.
+// Holds what one command takes. The parser behind it is known to command_line.cpp alone.
 class Options {
  public:
   explicit Options(CLI::App& app) : app_(app) {}
 
-  // --NAME, or -N for a name of one letter.
+  // Adds the option --NAME, or -N for a name of one letter.
   void add(const Setting& setting, bool required = false);
   void add(const Settings& settings);
-  // What stands without a name: one text, or one and more.
+  // These add what stands without a name: one text, or one and more.
   void argument(const char* name, std::string& value, const char* what, bool required = true);
   void arguments(const char* name, std::vector<std::string>& values, const char* what,
                  bool required = true);
@@ -32,7 +32,7 @@ class Options {
   CLI::App& app_;
 };
 
-// A command of the program. Each is an object of its own in a file of commands/, which it puts into
+// Each command of the program is an object of its own in a file of commands/, and puts itself into
 // the program's list by being made: nothing else knows it.
 class Command {
  public:
@@ -47,7 +47,7 @@ class Command {
   const char* what() const { return what_; }
   const char* example() const { return example_; }
 
-  // By their names in ascending order.
+  // Returns all commands by their names in ascending order.
   static std::vector<Command*> all();
 
  private:
@@ -60,15 +60,15 @@ class Command {
 // Runs the command that the arguments name.
 int run_command_line(int argc, char** argv);
 
-// Options that several commands have.
+// Several commands have the options that follow.
 
-// The files that a command reads, and how.
+// Says which files a command reads, and how.
 struct Input {
   std::vector<std::string> paths;
   InputOptions options;
 
   void declare(Options& settings, const char* what, bool required = true);
-  // Two parts of it: the paths, and --size and the others of raw frames.
+  // These declare two parts of an input: the paths, and --size and the others of raw frames.
   void declare_paths(Options& settings, const char* what, bool required = true);
   void declare_raw(Options& settings);
 };
@@ -78,7 +78,7 @@ struct Input {
 void prepare_output(const std::string& path, Console& console,
                     void (*check)(const std::string& path, bool force));
 
-// The frame that a command writes.
+// Says where a command writes its frame.
 struct Output {
   std::string path;
 

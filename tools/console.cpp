@@ -48,7 +48,8 @@ std::string text_of(const Report& value, int digits = -1) {
   return text;
 }
 
-// The cells of a column under its name, all numbers with as many decimals as one of them needs.
+// Returns the cells of a column under its name, all numbers with as many decimals as one of them
+// needs.
 std::vector<std::string> column(const Report& rows, const std::string& key) {
   size_t digits = 0;
   for (const Report& row : rows) {

@@ -5,7 +5,7 @@
 
 namespace zavri::tools {
 
-// What the program's exit status says.
+// The program's exit status is one of these.
 enum Status : int {
   kDone = 0,
   kBelowLimit = 1,
@@ -13,7 +13,8 @@ enum Status : int {
   kRefused = 3,  // by the library
 };
 
-// Ends the program with one line on stderr. The text names what is wrong and what would be right.
+// An error ends the program with one line on stderr. The text names what is wrong and what would be
+// right.
 class Error : public std::runtime_error {
  public:
   explicit Error(const std::string& text, Status with_status = kBadInput)

@@ -1,4 +1,4 @@
-// The program `zavri`: the library's operations on files, for people who tune and check them.
+// The program `zavri` runs the library's operations on files, for people who tune and check them.
 #include <csignal>
 #include <cstdio>
 #include <new>

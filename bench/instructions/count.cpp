@@ -10,7 +10,7 @@
 namespace zavri::bench {
 namespace {
 
-// FNV-1a.
+// Returns the hash FNV-1a of the bytes.
 uint32_t hash(const Bytes& bytes) {
   uint32_t hash = 2166136261u;
   for (const uint8_t byte : bytes) hash = (hash ^ byte) * 16777619u;

@@ -24,7 +24,7 @@ inline constexpr size_t kPixels = size_t{kWidth} * kHeight;
 void count(const std::string& operation, size_t pixels, const std::function<void()>& prepare,
            const std::function<void()>& work, const Bytes& result);
 
-// The same for work that needs no preparation.
+// Counts work that needs no preparation.
 void count(const std::string& operation, size_t pixels, const std::function<void()>& work,
            const Bytes& result);
 

@@ -18,11 +18,12 @@
 
 #include "marks.h"
 
-// Version 1 of QEMU's plugin interface, as far as it is used here: Debian packages no header of it.
+// This is version 1 of QEMU's plugin interface, as far as it is used here: Debian packages no
+// header of it.
 typedef uint64_t qemu_plugin_id_t;
 typedef struct {
   const char* target_name;
-  // More fields follow that are not read.
+  // Further fields follow, which are not read.
 } qemu_info_t;
 enum qemu_plugin_op { QEMU_PLUGIN_INLINE_ADD_U64 };
 struct qemu_plugin_tb;
@@ -87,7 +88,8 @@ static bool begins_with_any_of(const char* text, const char* const* prefixes) {
   return false;
 }
 
-// From the disassembly, for example "vdup.8 q8, r3" or "ldr q0, [x1], #0x10".
+// Tells an instruction's kind from its disassembly, for example "vdup.8 q8, r3" or "ldr q0, [x1],
+// #0x10".
 static enum Kind kind_of(const char* text) {
   static const char* const kLoadsAndStores32[] = {"ld",  "st",  "push",  "pop",  "tbb", "tbh",
                                                   "vld", "vst", "vpush", "vpop", NULL};

@@ -1,4 +1,5 @@
-// The operations on bursts and on chroma alone, strip by strip as the library's pool calls them.
+// Counts the operations on bursts and on chroma alone, strip by strip as the library's pool calls
+// them.
 #include <cstdint>
 #include <cstring>
 #include <string>
@@ -9,7 +10,7 @@
 namespace zavri::bench {
 namespace {
 
-// Frames without padding: luma, then chroma.
+// The frames have no padding: luma is followed by chroma.
 struct Frames {
   Bytes frames[4];
   Bytes pristine;  // the reference

@@ -1,4 +1,5 @@
 #pragma once
 
-// Numbers of calls of the system that no kernel has: what is executed between them is counted.
+// No kernel has calls of the system with these numbers: what is executed between the two is
+// counted.
 enum { kMarkStart = 5000, kMarkEnd = 5001 };

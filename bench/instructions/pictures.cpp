@@ -1,4 +1,4 @@
-// The operations on whole pictures.
+// Counts the operations on whole pictures.
 #include <cstring>
 #include <string>
 
@@ -14,7 +14,7 @@ namespace {
 constexpr uint16_t kPoly = 0;
 constexpr uint16_t kBilinear = 1;
 
-// One of the four strips in which the library scales a frame to twice its width and height.
+// Describes one of the strips in which the library scales a frame to twice its width and height.
 T_ResizeParam strip_of(const Bytes& source, Bytes& target, int number, uint16_t mode) {
   constexpr uint32_t kRows = kHeight / kZavriStrips;
   static_assert(kHeight % 8 == 0, "strips show the same parts of source and target");
@@ -41,7 +41,7 @@ void scale(uint16_t mode, const uint8_t* from, uint32_t width, uint32_t height, 
   }
 }
 
-// Luma and two planes of chroma, without the resize around them.
+// Scales luma and two planes of chroma, without the resize around the scaler.
 void scale_planes(uint16_t mode, const Bytes& source, Bytes& target) {
   scale(mode, source.data(), kWidth, kHeight, target.data());
   for (const size_t chroma : {kPixels, kPixels * 5 / 4}) {

@@ -51,8 +51,8 @@ void __wrap_free(void* pointer) {
 }
 }
 
-// Those of a C++ library that is linked statically would call the wrapped functions for containers,
-// too.
+// These operators stand in for those of a C++ library that is linked statically, which would call
+// the wrapped functions for containers, too.
 void* operator new(size_t size) {
   void* const block = __real_malloc(size != 0 ? size : 1);
   if (block == nullptr) abort();

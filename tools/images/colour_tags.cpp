@@ -23,7 +23,7 @@ AVColorSpace usual_matrix(const AVFrame& frame, bool is_still) {
 
 void tag_colours(AVFrame& frame, bool is_still) {
   const AVPixFmtDescriptor& pixel = *av_pix_fmt_desc_get(static_cast<AVPixelFormat>(frame.format));
-  // The names of FFmpeg's full range formats, which are otherwise like those without the j.
+  // FFmpeg has these formats of full range, which are otherwise like those without the j.
   if (strncmp(pixel.name, "yuvj", 4) == 0) frame.color_range = AVCOL_RANGE_JPEG;
   if (frame.color_range == AVCOL_RANGE_UNSPECIFIED) {
     frame.color_range = has_matrix(pixel) ? AVCOL_RANGE_MPEG : AVCOL_RANGE_JPEG;

@@ -3,7 +3,8 @@
 #include "tools/images/ffmpeg.h"
 #include "tools/images/frame.h"
 
-// Pixel formats, ranges and matrices. An AVFrame here always says its range and its matrix.
+// These functions change pixel formats, ranges and matrices. An AVFrame here always says its range
+// and its matrix.
 namespace zavri::tools {
 
 // The format, range, matrix and size of a conversion's result.
@@ -16,11 +17,11 @@ struct PixelTarget {
 };
 AvFrame convert(const AVFrame& from, const PixelTarget& target);
 
-// Copies into FFmpeg's buffers, whose rows are padded as its vector code needs them.
+// Copies a picture into FFmpeg's buffers, whose rows are padded as its vector code needs them.
 AvFrame to_av(const Frame& frame);
 AvFrame to_av(const Picture& picture);
 
-// An odd last row or column is left out.
+// Converts to NV12 or RGB. A frame leaves an odd last row or column out.
 Frame frame_from_av(const AVFrame& from);
 Picture picture_from_av(const AVFrame& from);
 

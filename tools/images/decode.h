@@ -10,8 +10,8 @@
 
 namespace zavri::tools {
 
-// A file that FFmpeg reads: of a regular file only what it asks for, of stdin and pipes all bytes
-// at once, since pictures and films cannot be read without seeking.
+// FFmpeg reads a file through its source. A regular file is read as far as FFmpeg asks for it,
+// stdin and pipes wholly at once, since pictures and films cannot be read without seeking.
 class Source {
  public:
   explicit Source(const std::string& path);
@@ -19,7 +19,7 @@ class Source {
   const std::string& path() const { return path_; }
   AVIOContext* io() { return io_.get(); }
 
-  // All bytes; afterwards io() is not to be used.
+  // Returns all bytes; afterwards io() is not to be used.
   Bytes take_bytes();
 
  private:
@@ -35,29 +35,29 @@ class Source {
   std::unique_ptr<AVIOContext, Close> io_;
 };
 
-// What FFmpeg takes the bytes for.
+// Says what FFmpeg takes the bytes for.
 struct Probe {
   const AVInputFormat* format = nullptr;
   int score = 0;
 
-  // By marks that hardly occur by chance.
+  // Tells whether the format was found by marks that hardly occur by chance.
   bool is_sure() const { return score > AVPROBE_SCORE_EXTENSION; }
 };
 Probe probe(Source& source);
 
-// The frames of a picture, which has one, or of the video in a stream, in order.
+// Gives the frames of a picture, which has one, or of the video in a stream, in order.
 class Decoder {
  public:
   // The source outlives the decoder.
   Decoder(Source& source, const Probe& probe);
 
-  // The next frame, with its range and its matrix set, or null at the end.
+  // Returns the next frame, with its range and its matrix set, or null at the end.
   AvFrame next();
 
-  // How many frames there are. No frame can be had afterwards.
+  // Counts how many frames there are. No frame can be had afterwards.
   int64_t count_all();
 
-  // The codec and the pixel format of the first frame.
+  // Names the codec and the pixel format of the first frame.
   const std::string& format() const { return format_; }
 
  private:
@@ -72,7 +72,7 @@ class Decoder {
   void check_pixels(AVPixelFormat pixel);
   // Gives a frame the orientation that a film has as a whole.
   void add_display_matrix(AVFrame& frame);
-  // The next packet of the video, or null at the end.
+  // Returns the next packet of the video, or null at the end.
   AvPacket read_packet();
 
   std::string path_;

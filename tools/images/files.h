@@ -35,16 +35,16 @@ struct Loaded {
   std::vector<Frame> frames;  // one at least
 };
 
-// Takes the frames that the options name; when they name none, the first `most` of a stream, so
-// that total_frames > frames.size() tells of frames left out.
+// Takes the frames that the options name, or, where they name none, the first `most` of a stream:
+// then total_frames > frames.size() tells of frames left out.
 Loaded load(const std::string& path, const InputOptions& options, int most = 1);
 
-// Loads each path. Throws when raw options were given and no path is raw.
+// Loads each path. Throws where raw options were given and no path is raw.
 std::vector<Loaded> load_all(const std::vector<std::string>& paths, const InputOptions& options,
                              int most = 1);
 
-// Loads the frames of all paths. Throws when a stream has more than `most` and the options name
-// none, and like load_all().
+// Loads the frames of all paths. Throws as load_all() does, and where a stream has more than `most`
+// and the options name none.
 std::vector<Frame> load_frames(const std::vector<std::string>& paths, const InputOptions& options,
                                int most);
 

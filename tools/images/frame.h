@@ -7,8 +7,8 @@
 
 namespace zavri::tools {
 
-// The order of the two bytes of a chroma pair. Only the chroma denoise with its fixed tolerance
-// treats the two bytes differently.
+// The two bytes of a chroma pair stand in one of these orders. Only the chroma denoise with its
+// fixed tolerance treats them differently.
 enum class ChromaOrder { kUv, kVu };
 
 // Frames have at most this many pixels a side, so that every byte count of a frame fits 32 bits.
@@ -22,17 +22,17 @@ struct Layout {
   size_t stride = 0;
   size_t chroma_at = 0;
   size_t bytes = 0;  // of the whole buffer, padding behind the chroma included
-  // A raw file's own layout, in which every operation must work. Elsewhere the planes may be moved
-  // apart, so that no operation runs from one into the other.
+  // A fixed layout is a raw file's own, in which every operation must work. In others the planes
+  // may be moved apart, so that no operation runs from one into the other.
   bool fixed = false;
 };
 
-// An 8-bit YUV 4:2:0 semi-planar picture, BT.601 full range, in one buffer whose layout it keeps;
-// width and height are even.
+// A frame is an 8-bit YUV 4:2:0 semi-planar picture, BT.601 full range, in one buffer whose layout
+// it keeps; width and height are even.
 class Frame {
  public:
   Frame() = default;
-  // A frame without row padding; the chroma plane directly follows the luma plane.
+  // Makes a frame without row padding, whose chroma plane directly follows the luma plane.
   Frame(int width, int height, ChromaOrder order = ChromaOrder::kUv);
   Frame(int width, int height, ChromaOrder order, const Layout& layout);
   // Takes the bytes over, which are layout.bytes many.
@@ -44,11 +44,11 @@ class Frame {
   ChromaOrder order() const { return order_; }
   const Layout& layout() const { return layout_; }
 
-  // The buffer as a file or a HAL has it: layout().bytes bytes.
+  // Returns the buffer as a file or a HAL has it, layout().bytes bytes.
   std::vector<uint8_t>& buffer() { return buffer_; }
   const std::vector<uint8_t>& buffer() const { return buffer_; }
 
-  // Row y of luma, 0..height-1, and of chroma, 0..height/2-1.
+  // These return row y of luma, 0..height-1, and of chroma, 0..height/2-1.
   uint8_t* luma_row(int y) { return &buffer_[layout_.stride * static_cast<size_t>(y)]; }
   const uint8_t* luma_row(int y) const { return &buffer_[layout_.stride * static_cast<size_t>(y)]; }
   uint8_t* chroma_row(int y) {
@@ -61,10 +61,10 @@ class Frame {
   double megapixels() const { return 1e-6 * width_ * height_; }
   std::string size() const { return std::to_string(width_) + 'x' + std::to_string(height_); }
 
-  // The part at (x, y), all four numbers even, without padding.
+  // Returns the part at (x, y) without padding; all four numbers are even.
   Frame crop(int x, int y, int crop_width, int crop_height) const;
 
-  // The same picture in the same layout, its chroma pairs in this order.
+  // Returns the same picture in the same layout, with its chroma pairs in this order.
   Frame with_order(ChromaOrder order) const;
 
  private:
@@ -75,7 +75,7 @@ class Frame {
   std::vector<uint8_t> buffer_;
 };
 
-// 8-bit RGB, interleaved.
+// A picture is 8-bit RGB, interleaved.
 struct Picture {
   int width = 0;
   int height = 0;
@@ -85,7 +85,7 @@ struct Picture {
   Picture(int picture_width, int picture_height);
 };
 
-// An odd last row or column of the picture is left out.
+// Converts a picture; an odd last row or column is left out.
 Frame to_frame(const Picture& picture);
 Picture to_picture(const Frame& frame);
 

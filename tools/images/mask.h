@@ -7,7 +7,8 @@
 
 namespace zavri::tools {
 
-// A set of pixels. As a picture it is white where a pixel is in the set, and black elsewhere.
+// A mask is a set of pixels. As a picture it is white where a pixel is in the set, and black
+// elsewhere.
 class Mask {
  public:
   Mask(int width, int height);
@@ -18,10 +19,10 @@ class Mask {
 
   void add(int x, int y) { row(y)[x] = 1; }
   bool has(int x, int y) const { return row(y)[x] != 0; }
-  // Whether a pixel of this part is in the set. What lies outside of the mask is not.
+  // Tells whether a pixel of this part is in the set. No pixel outside of the mask is.
   bool touches(int x, int y, int width, int height) const;
 
-  // The part at (x, y).
+  // Returns the part at (x, y).
   Mask crop(int x, int y, int width, int height) const;
 
   Picture picture() const;

@@ -8,7 +8,7 @@
 namespace zavri::tools {
 namespace {
 
-// Every `step`-th byte of rows of `pitch` bytes.
+// A plane is every `step`-th byte of rows of `pitch` bytes.
 struct Samples {
   const uint8_t* first;
   size_t step;
@@ -45,7 +45,7 @@ BlockSums sums_of_block(const Samples& a, const Samples& b, int left, int top) {
   return sums;
 }
 
-// The index of one window of `count` samples, with the usual constants for 8 bits.
+// Returns the index of one window of `count` samples, with the usual constants for 8 bits.
 double ssim_of(const BlockSums& sums, double count) {
   constexpr double kC1 = 0.01 * 255 * 0.01 * 255;
   constexpr double kC2 = 0.03 * 255 * 0.03 * 255;
@@ -58,7 +58,7 @@ double ssim_of(const BlockSums& sums, double count) {
          ((mean_a * mean_a + mean_b * mean_b + kC1) * (variance_a + variance_b + kC2));
 }
 
-// Windows of two by two blocks; a plane smaller than one window has no windows and counts as 1.
+// Takes windows of two by two blocks; a plane smaller than one window has none and counts as 1.
 double ssim(const Samples& a, const Samples& b) {
   const int columns = a.width / kBlock;
   const int rows = a.height / kBlock;

@@ -14,7 +14,7 @@ struct PlaneDifference {
   int largest;        // absolute difference
 };
 
-// Y, U and V of two frames of one size, of any layouts and chroma orders.
+// Compares Y, U and V of two frames of one size, of any layouts and chroma orders.
 std::vector<PlaneDifference> compare(const Frame& a, const Frame& b);
 
 }  // namespace zavri::tools

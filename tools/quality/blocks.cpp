@@ -31,7 +31,8 @@ int square_differences(const BlockPlane& a, const BlockPlane& b, const Block& bl
 constexpr int kCell = 4;
 constexpr int kCellSamples = kCell * kCell;
 
-// Of the cell whose first sample is byte `x` of row `y` of the block.
+// Returns the square of the mean difference in a cell, without what white noise adds to it. The
+// cell's first sample is byte `x` of row `y` of the block.
 double coarse_square(const BlockPlane& a, const BlockPlane& b, const Block& block, int x, int y) {
   Sums sums;
   for (int row = y; row < y + kCell; ++row) {

@@ -6,12 +6,12 @@
 
 #include "tools/images/frame.h"
 
-// Frames as blocks of 8x8 pixels; pixels behind the last whole block do not count.
+// Frames are divided into blocks of 8x8 pixels; pixels behind the last whole block do not count.
 namespace zavri::tools {
 
 constexpr int kBlockSide = 8;
 
-// Columns [8x, 8x + 8) and rows [8y, 8y + 8) of the frame.
+// A block is columns [8x, 8x + 8) and rows [8y, 8y + 8) of the frame.
 struct Block {
   uint16_t x = 0;
   uint16_t y = 0;
@@ -20,7 +20,7 @@ using Blocks = std::vector<Block>;
 
 Blocks all_blocks(const Frame& frame);
 
-// The luma or the chroma of a frame, which it borrows. A block has 8 bytes a row in both.
+// Borrows the luma or the chroma of a frame. A block has 8 bytes a row in both.
 //
 //   luma     8 rows, 1 channel      Y Y Y Y Y Y Y Y
 //   chroma   4 rows, 2 channels     U V U V U V U V
@@ -47,18 +47,19 @@ class BlockPlane {
   int channels_;
 };
 
-// The mean of the block's bytes.
+// Returns the mean of the block's bytes.
 double level_of(const BlockPlane& plane, const Block& block);
 
-// The variance of the block's samples, the sum of both channels of chroma.
+// Returns the variance of the block's samples, in chroma the sum of both channels'.
 double detail_of(const BlockPlane& plane, const Block& block);
 
-// Of all samples of the block or the blocks; 0 without blocks.
+// Returns the mean over all samples of the block or the blocks, or 0 without blocks.
 double mean_square_difference(const BlockPlane& a, const BlockPlane& b, const Block& block);
 double mean_square_difference(const BlockPlane& a, const BlockPlane& b, const Blocks& blocks);
 
-// The mean square of the difference's coarse part, the means over cells of 4x4 samples, without
-// what white noise has in it: the mean of n samples of variance v has the variance v / n.
+// Returns the mean square of the difference's coarse part, which is its means over cells of 4x4
+// samples, without what white noise has in it: the mean of n samples of variance v has the variance
+// v / n.
 double coarse_mean_square(const BlockPlane& a, const BlockPlane& b, const Blocks& blocks);
 
 }  // namespace zavri::tools

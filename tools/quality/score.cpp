@@ -12,7 +12,7 @@
 namespace zavri::tools {
 namespace {
 
-// Shares of the still blocks, by their detail.
+// Flat and textured parts are these shares of the still blocks, by their detail.
 constexpr double kFlatShare = 0.25;
 constexpr double kTexturedShare = 0.25;
 
@@ -20,13 +20,13 @@ constexpr double kTexturedShare = 0.25;
 constexpr double kDarkest = 16;
 constexpr double kBrightest = 239;
 
-// In dB. Nothing left of an error is infinitely better, unless there was none before.
+// Returns the improvement in dB. It is infinite where nothing is left of an error that there was.
 double improvement(double before, double after) {
   if (after > 0) return 10 * std::log10(before / after);
   return before > 0 ? std::numeric_limits<double>::infinity() : 0;
 }
 
-// The value that this share of the values does not exceed.
+// Returns the value that this share of the values does not exceed.
 double quantile(std::vector<double> values, double share) {
   const auto last = static_cast<double>(values.size() - 1);
   const auto at = values.begin() + static_cast<ptrdiff_t>(std::lround(share * last));
@@ -34,7 +34,7 @@ double quantile(std::vector<double> values, double share) {
   return *at;
 }
 
-// The mean of frames of one size, rounded.
+// Returns the mean of frames of one size, rounded.
 Frame mean_of(const std::vector<Frame>& frames) {
   Frame mean(frames[0].width(), frames[0].height(), frames[0].order());
   const auto count = static_cast<int>(frames.size());
@@ -72,7 +72,7 @@ Score mean_of(const std::vector<Score>& scores) {
   return mean;
 }
 
-// Whether all frames differ from the first in this block by no more than their noise. The mean
+// Tells whether all frames differ from the first in a block by no more than their noise. The mean
 // square of 64 differences spreads by sqrt(2 / 64) of its mean; four times that is left to chance.
 class StillTest {
  public:
@@ -131,8 +131,8 @@ Scorer::Scorer(const std::vector<Frame>& frames, size_t left_out) : target_(fram
     (is_still(block) ? still : moving_).push_back(block);
   }
   if (still.empty()) throw Error("no part of the burst is still");
-  // Their mean leaves nothing of the noise in which they differ, so that the choice of blocks by it
-  // does not favour blocks with less of that.
+  // The mean of the frames leaves nothing of the noise in which they differ, so that the choice of
+  // blocks by it does not favour blocks with less of that noise.
   divide(mean_of(burst), still);
   for (Parts* parts : {&luma_, &chroma_}) {
     const auto half_difference = [&](const Blocks& blocks) {

@@ -27,33 +27,33 @@ struct Score {
 // score() of 12 megapixels takes milliseconds; several threads may call it at once.
 class Scorer {
  public:
-  // By the clean frame; `noisy` is the frame that was denoised. Throws an Error unless all have one
-  // size and the mask leaves blocks of 8x8 pixels free.
+  // Judges by the clean frame; `noisy` is the frame that was denoised. Throws an Error unless all
+  // have one size and the mask leaves blocks of 8x8 pixels free.
   Scorer(const Frame& clean, const Frame& noisy, const Mask* moving = nullptr);
 
-  // Without a clean frame: results are of all frames but `left_out`, and the first of these is the
-  // one that was denoised. Where the burst is still, they are held against the frame left out;
-  // where it moves, against the one that was denoised. Throws an Error unless there are three
-  // frames of one size, still somewhere.
+  // Judges without a clean frame: results are made of all frames but `left_out`, the first of which
+  // is the one that was denoised. Where the burst is still, results are held against the frame left
+  // out; where it moves, against the one that was denoised. Throws an Error unless there are three
+  // frames of one size that are still somewhere.
   Scorer(const std::vector<Frame>& frames, size_t left_out);
 
   // Throws an Error unless the result has the frames' size.
   Score score(const Frame& result) const;
 
-  // The score of the noisy frame itself.
+  // Returns the score of the noisy frame itself.
   const Score& before() const { return before_; }
 
-  // The share of blocks in which something moves.
+  // Returns the share of blocks in which something moves.
   double moving_share() const { return moving_share_; }
 
  private:
-  // Of luma or of chroma.
+  // Holds the blocks of luma or of chroma by what they are judged for.
   struct Parts {
     BlockPlane (*plane_of)(const Frame& frame);
     Blocks flat = {};
     Blocks textured = {};
     double noise = 0;  // mean square, in flat parts of the noisy frame
-    // Mean squares of the noise that the target itself has.
+    // The target's own noise has these mean squares.
     double flat_floor = 0;
     double textured_floor = 0;
   };
@@ -73,8 +73,8 @@ class Scorer {
   Score before_;
 };
 
-// The mean score of leaving each frame out in turn; denoise() merges frames with the first of them
-// as reference.
+// Returns the mean score of leaving each frame out in turn; denoise() merges frames with the first
+// of them as reference.
 Score score_by_leaving_out(const std::vector<Frame>& frames,
                            const std::function<Frame(const std::vector<Frame>&)>& denoise);
 

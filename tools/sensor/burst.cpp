@@ -9,10 +9,10 @@
 namespace zavri::tools {
 namespace {
 
-// The middle of the photograph, with an even width and a height that is a multiple of 8. The
-// library works on four strips of height / 8 pairs of rows, the last of which takes what is left:
-// of 12 rows it is 6 high and the others are 2. Where 8 divides the height, all strips are alike
-// and end where the planes end.
+// Returns the middle of the photograph, with an even width and a height that is a multiple of 8.
+// The library works on four strips of height / 8 pairs of rows, the last of which takes what is
+// left: of 12 rows it is 6 high and the others are 2. Where 8 divides the height, all strips are
+// alike and end where the planes end.
 Picture middle_of(const Picture& photograph) {
   const bool is_low = photograph.height < 8;
   Picture middle(photograph.width & ~1, photograph.height & (is_low ? ~1 : ~7));
@@ -26,7 +26,7 @@ Picture middle_of(const Picture& photograph) {
   return middle;
 }
 
-// Whether name_frames() or name_mask() make such a name.
+// Tells whether name_frames() or name_mask() make such a name.
 bool is_of_burst(const std::filesystem::path& path) {
   const std::string name = name_without_size(path);
   const std::string extension = path.extension();

@@ -21,7 +21,7 @@ struct BurstSettings {
   int frames = 4;
 };
 
-// A scene captured several times, and the truth about it.
+// Holds a scene captured several times, and the truth about it.
 struct BurstFrames {
   Frame clean;  // what the first frame shows, without its noise
   std::vector<Frame> noisy;
@@ -29,10 +29,10 @@ struct BurstFrames {
   std::optional<Mask> moving;  // where an object moves
 };
 
-// The frames show the middle of the photograph.
+// Makes a burst whose frames show the middle of the photograph.
 BurstFrames make_burst(const Picture& photograph, const BurstSettings& settings);
 
-// The names and frames under which a burst is kept, such as frame0_5312x2988.nv12.
+// Frames of a burst are kept under names such as frame0_5312x2988.nv12.
 struct NamedFrame {
   std::string path;
   const Frame* frame;
@@ -42,7 +42,8 @@ std::vector<NamedFrame> name_frames(const BurstFrames& burst, const std::string&
 
 std::string name_mask(const BurstFrames& burst, const std::string& folder);
 
-// The paths of all frames and masks of bursts in a folder, whatever their sizes and formats.
+// Returns the paths of all frames and masks of bursts in a folder, whatever their sizes and
+// formats.
 std::vector<std::string> burst_files(const std::string& folder);
 
 }  // namespace zavri::tools

@@ -9,8 +9,9 @@
 namespace zavri::tools {
 namespace {
 
-// Strata in this order, and the same in ascending order: the pairs of both fill the unit square
-// evenly, so that mean and variance of the draws come out right.
+// Returns the number with its bits in reverse order. Pairs of a stratum i and the stratum with the
+// reversed number fill the unit square evenly, so that mean and variance of the draws come out
+// right.
 int reversed_bits(int i) {
   int reversed = 0;
   for (int bit = 0; bit < kDrawBits; ++bit) reversed |= (i >> bit & 1) << (kDrawBits - 1 - bit);
@@ -24,7 +25,7 @@ class PoissonQuantile {
       : mean_(mean), probability_(std::exp(-mean)), below_(probability_) {}
 
   double next(double p, double normal) {
-    // From here on the normal distribution is as good, and exp() would soon underflow.
+    // Above this mean the normal distribution is as good, and exp() would soon underflow.
     if (mean_ > 200) return std::max(0.0, mean_ + std::sqrt(mean_) * normal);
     while (below_ < p && probability_ > 0) {
       probability_ *= mean_ / ++count_;

@@ -21,7 +21,7 @@ constexpr size_t kFewestBlocks = 40;
 
 using Block = std::array<int, kSamples>;
 
-// One of Y, U and V of a frame.
+// A plane is one of Y, U and V of a frame.
 struct Plane {
   Plane(const Frame& frame, int index)
       : first(frame.luma_row(0)), stride(frame.layout().stride), step(index == 0 ? 1 : 2) {
@@ -45,7 +45,7 @@ struct Plane {
   int step;  // from sample to sample, which is also the subsampling
 };
 
-// The sum of squares of what is left of side x side values after a plane a + bx + cy is taken out:
+// Sums the squares of what is left of kGrid x kGrid values after a plane a + bx + cy is taken out:
 // gradients are no noise, and what flicker adds to a block is nearly such a plane.
 template <int kGrid>
 double residual_squares(const int* values) {
@@ -65,19 +65,20 @@ double residual_squares(const int* values) {
   return squares - squared(sum) / kSize - (squared(across) + squared(down)) / kSlopeSquares;
 }
 
-// What a block tells. White noise in one number says nothing of that in the other, so that the
-// choice of blocks with little detail does not favour blocks with little noise.
+// Holds what a block tells. White noise in one number says nothing of that in the other, so that
+// the choice of blocks with little detail does not favour blocks with little noise.
 struct Measured {
   float level;     // of the luma at the place
   float detail;    // grows with the texture
   float variance;  // of the noise, as far as there is no texture
 };
 
-// Degrees of freedom of the variances below.
+// The variances of measure() have these degrees of freedom.
 constexpr int kOneFrameFreedom = kSamples - kSamples / 4;
 constexpr int kTwoFramesFreedom = kSamples - 3;
 
-// Of one frame: texture from the sums of 2x2 samples, noise from the differences within them.
+// Measures a block of one frame: the sums of 2x2 samples show its texture, and the differences
+// within them its noise.
 Measured measure(double level, const Block& block) {
   std::array<int, kSamples / 4> sums{};
   for (size_t i = 0; i < kSamples; ++i) {
@@ -89,7 +90,7 @@ Measured measure(double level, const Block& block) {
           static_cast<float>(fine / kOneFrameFreedom)};
 }
 
-// Of two: texture from their sum, noise from their difference.
+// Measures a block of two frames: their sum shows its texture, and their difference its noise.
 Measured measure(double level, const Block& block, const Block& next) {
   Block sum;
   Block difference;
@@ -101,7 +102,7 @@ Measured measure(double level, const Block& block, const Block& next) {
           static_cast<float>(residual_squares<kSide>(difference.data()) / kTwoFramesFreedom / 2)};
 }
 
-// What blocks of about one level told.
+// A bin holds what blocks of about one level told.
 struct Bin {
   std::vector<Measured> blocks;
   int64_t clipped = 0;  // samples
@@ -112,7 +113,7 @@ double mean_of(const Block& block) {
   return static_cast<double>(std::accumulate(block.begin(), block.end(), 0)) / kSamples;
 }
 
-// The mean luma where a plane's block is.
+// Returns the mean luma where a plane's block is.
 double level_at(const Plane& luma, int left, int top, int step) {
   double sum = 0;
   for (int y = 0; y < step; ++y) {
@@ -148,8 +149,8 @@ std::vector<Measured> least_detailed(std::vector<Measured> blocks, size_t count)
   return blocks;
 }
 
-// The variance on which the most of the bin's flattest blocks agree; `spread` is that of one block,
-// as a share. Texture and motion only add, so that the search begins low.
+// Returns the variance on which most of the bin's flattest blocks agree; `spread` is that of one
+// block, as a share. Texture and motion only add, so that the search begins low.
 NoiseLevel agreed_level(Bin& bin, double spread) {
   const size_t flattest = std::max(kFewestBlocks, bin.blocks.size() / 10);
   bin.blocks = least_detailed(std::move(bin.blocks), flattest);
@@ -172,7 +173,7 @@ NoiseLevel agreed_level(Bin& bin, double spread) {
     variance = std::accumulate(begin, end, 0.0) / blocks;
     squares = std::inner_product(begin, end, begin, 0.0);
   }
-  // The variance of an error that is even over [-1/2, 1/2].
+  // An error that is even over [-1/2, 1/2] has this variance.
   constexpr double kRounding = 1.0 / 12;
   const double scatter = std::sqrt(std::max(0.0, squares / blocks / (variance * variance) - 1));
   // The scatter of few blocks differs from their spread by chance alone.

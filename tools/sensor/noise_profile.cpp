@@ -15,7 +15,7 @@ constexpr const char* kForm =
     "a noise profile is JSON such as {\"y\": {\"a\": 0.2, \"b\": 4}, \"u\": .., \"v\": ..}, as "
     "zavri noise -o writes it";
 
-// The standard deviation of each plane's noise at each level.
+// Holds the standard deviation of each plane's noise at each level.
 using Deviations = std::array<std::array<float, 256>, 3>;
 
 Deviations deviations_of(const NoiseProfile& profile) {

@@ -5,7 +5,7 @@
 
 namespace zavri::tools {
 
-// splitmix64: a generator as small as its state.
+// This generator, splitmix64, is as small as its state.
 struct Generator {
   uint64_t state;
 
@@ -16,11 +16,11 @@ struct Generator {
     return z ^ z >> 31;
   }
 
-  // Even over (0, 1).
+  // Returns numbers that are even over (0, 1).
   double uniform() { return (static_cast<double>(next() >> 12) + 0.5) * 0x1p-52; }
 };
 
-// The value that a standard normal variable stays below with probability p.
+// Returns the value that a standard normal variable stays below with probability p.
 double normal_quantile(double p);
 
 // Distributions are tables of so many values, all equally likely: value i stands for the stratum
@@ -30,10 +30,10 @@ constexpr int kDraws = 1 << kDrawBits;
 
 constexpr double stratum(int i) { return (i + 0.5) / kDraws; }
 
-// The standard normal distribution, in ascending order.
+// Returns the standard normal distribution in ascending order.
 const std::array<double, kDraws>& normal_draws();
 
-// Of row y of a frame, so that rows can be made in any order.
+// Returns the generator of row y of a frame, so that rows can be made in any order.
 Generator row_generator(uint64_t seed, int frame, int y);
 
 }  // namespace zavri::tools

@@ -22,7 +22,7 @@ uint8_t* pixel(Picture& picture, int x, int y) {
   return const_cast<uint8_t*>(pixel(std::as_const(picture), x, y));
 }
 
-// The sum of the differences of green between neighbours in a square.
+// Sums the differences of green between neighbours in a square.
 int64_t detail_of(const Picture& picture, int left, int top, int size) {
   int64_t sum = 0;
   for (int y = top; y < top + size - 1; ++y) {
@@ -34,8 +34,8 @@ int64_t detail_of(const Picture& picture, int left, int top, int size) {
   return sum;
 }
 
-// The square of the picture with most detail, turned upside down so that nowhere it looks like what
-// it covers.
+// Returns the square of the picture with most detail, turned upside down so that nowhere it looks
+// like what it covers.
 Picture most_detailed(const Picture& picture, int size) {
   int64_t most = -1;
   int left = 0;
@@ -99,7 +99,7 @@ std::vector<View> Scene::views(int frames, uint64_t seed) const {
   return views;
 }
 
-// How far a pixel is from the object's middle, in a view without shift at (0, 0).
+// Returns how far a pixel is from the object's middle, in a view without shift at (0, 0).
 double Scene::from_middle(double x, double y) const {
   const double middle = (size_ - 1) / 2.0;
   return std::hypot(x - middle, y - middle);

@@ -8,16 +8,16 @@
 
 namespace zavri::tools {
 
-// What differs from capture to capture besides the noise.
+// Says what differs from capture to capture besides the noise.
 struct Changes {
-  // Hand shake: from frame to frame the picture moves by a normal step of so many pixels an axis.
+  // By hand shake the picture moves from frame to frame by a normal step of so many pixels an axis.
   double shake = 0;
   bool object = false;      // something moves through the picture
   double object_speed = 0;  // pixels a frame; 0 is a third of the object's size
   double flicker = 0;       // the light changes by at most so many percent
 };
 
-// How the scene shows in one frame.
+// Says how the scene shows in one frame.
 struct View {
   double x = 0;  // the picture's shift, in pixels
   double y = 0;
@@ -26,18 +26,18 @@ struct View {
   double light = 1;
 };
 
-// A photograph, and before it perhaps an object.
+// A scene is a photograph, and before it perhaps an object.
 class Scene {
  public:
   Scene(const Picture& photograph, const Changes& changes);
 
-  // Of a number of frames, the first of which is not shifted and has the light 1. The same seed
-  // gives the same views.
+  // Draws the views of a number of frames, the first of which is not shifted and has the light 1.
+  // The same seed gives the same views.
   std::vector<View> views(int frames, uint64_t seed) const;
 
   Picture seen(const View& view) const;
 
-  // Everywhere that the object is in any of the views, and so everywhere that it uncovers.
+  // Returns everywhere that the object is in any of the views, and so everywhere that it uncovers.
   Mask moving(const std::vector<View>& views) const;
 
  private:

@@ -12,8 +12,8 @@ namespace {
 constexpr int kTaps = 2 * kShiftReach;
 constexpr double kPi = 3.14159265358979323846;
 
-// A translation along one axis: the result at i is the sum of weights[t] times the picture at
-// i + first + t.
+// Describes a translation along one axis: the result at i is the sum of weights[t] times the
+// picture at i + first + t.
 struct Taps {
   explicit Taps(double shift) {
     const double whole = std::floor(-shift);
@@ -27,7 +27,7 @@ struct Taps {
     for (double& w : weights) w /= sum;
   }
 
-  // A sinc under a window that is itself one.
+  // The weight is a sinc under a window that is itself one.
   static double weight(double distance) {
     const auto sinc = [](double x) { return x == 0 ? 1 : std::sin(kPi * x) / (kPi * x); };
     return std::abs(distance) < kShiftReach ? sinc(distance) * sinc(distance / kShiftReach) : 0;
@@ -42,7 +42,7 @@ void accumulate(float weight, const float* from, float* to, size_t count) {
   for (size_t i = 0; i < count; ++i) to[i] += weight * from[i];
 }
 
-// One row of the picture, moved along x.
+// Moves one row of the picture along x.
 class RowShift {
  public:
   RowShift(const Picture& picture, const Taps& taps)
