@@ -12,7 +12,8 @@ namespace {
 
 struct Zero {
   int at(size_t) const { return 0; }
-  ZAVRI_INLINE U8 vector_at(size_t) const { return U8{}; }
+  ZAVRI_INLINE U8 next() const { return U8{}; }
+  ZAVRI_INLINE U8 before(size_t) const { return U8{}; }
   static ZAVRI_INLINE void add(ByteSums* sums, U8 samples, U8) { sums->add(samples); }
 };
 
@@ -25,13 +26,15 @@ struct Differing {
 struct Mean : Differing {
   uint8_t mean;
   int at(size_t) const { return mean; }
-  ZAVRI_INLINE U8 vector_at(size_t) const { return splat<U8>(mean); }
+  ZAVRI_INLINE U8 next() const { return splat<U8>(mean); }
+  ZAVRI_INLINE U8 before(size_t) const { return splat<U8>(mean); }
 };
 
 struct OtherRow : Differing {
   const uint8_t* other;
   int at(size_t i) const { return other[i]; }
-  ZAVRI_INLINE U8 vector_at(size_t i) const { return load(other + i); }
+  ZAVRI_INLINE U8 next() { return load_next(&other); }
+  ZAVRI_INLINE U8 before(size_t back) const { return load(other - back); }
 };
 
 template <class Reference>
@@ -59,27 +62,28 @@ template <class Reference>
 uint32_t sum_vectors(const uint8_t* row, size_t width, Reference reference) {
   constexpr size_t kStep = 4 * kVectorBytes;
   ByteSums sums[2];
-  size_t i = 0;
   for (size_t steps = width / kStep; steps > 0;) {
     const size_t adds = std::min(steps, ByteSums::kMostAdds / 2);
     steps -= adds;
-    for (const size_t end = i + adds * kStep; i < end; i += kStep) {
-      const size_t at[] = {i, i + kVectorBytes, i + 2 * kVectorBytes, i + 3 * kVectorBytes};
-      const U8 samples[] = {load(row + at[0]), load(row + at[1]), load(row + at[2]),
-                            load(row + at[3])};
-      const U8 references[] = {reference.vector_at(at[0]), reference.vector_at(at[1]),
-                               reference.vector_at(at[2]), reference.vector_at(at[3])};
+    for (const uint8_t* const end = row + adds * kStep; row != end;) {
+      U8 samples[4];
+      U8 references[4];
+      for (size_t v = 0; v < 4; ++v) {
+        samples[v] = load_next(&row);
+        references[v] = reference.next();
+      }
       for (size_t v = 0; v < 4; ++v) Reference::add(&sums[v % 2], samples[v], references[v]);
     }
     for (ByteSums& half : sums) half.settle();
   }
   sums[0].add(sums[1]);
-  for (; i + kVectorBytes <= width; i += kVectorBytes) {
-    sums[0].add_abs_diff(load(row + i), reference.vector_at(i));
+  for (size_t left = width % kStep / kVectorBytes; left > 0; --left) {
+    sums[0].add_abs_diff(load_next(&row), reference.next());
   }
-  const size_t last = width - kVectorBytes;
-  const U8 rest = load(kSuffix.bytes + (width - i));
-  sums[0].add_abs_diff(load(row + last) & rest, reference.vector_at(last) & rest);
+  const size_t rest = width % kVectorBytes;
+  const size_t back = kVectorBytes - rest;
+  const U8 counts = load(kSuffix.bytes + rest);
+  sums[0].add_abs_diff(load(row - back) & counts, reference.before(back) & counts);
   sums[0].settle();
   return sums[0].total();
 }

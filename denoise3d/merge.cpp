@@ -107,9 +107,8 @@ struct Samples {
   U8 reference;
   U8 other[kOthers];
 
-  ZAVRI_INLINE Samples(const uint8_t* row, const uint8_t* const* other_rows, size_t b)
-      : reference(load(row + b)) {
-    for (int k = 0; k < kOthers; ++k) other[k] = load(other_rows[k] + b);
+  ZAVRI_INLINE Samples(uint8_t** row, const uint8_t** other_rows) : reference(load_next(row)) {
+    for (int k = 0; k < kOthers; ++k) other[k] = load_next(&other_rows[k]);
   }
 };
 
@@ -131,10 +130,10 @@ struct VectorLimits {
       : chroma(chroma_limits), luma((U8)((U16)luma_limits | 0xff00)) {}
 };
 
-// Merges the chroma of a vector, and writes back the bytes that stay as they are.
+// Finds where the other frames agree with the reference, merges the chroma of a vector, and writes
+// back the bytes that stay as they are.
 template <MergeKind kKind, int kOthers>
-ZAVRI_INLINE Agreement<kOthers> merge_chroma(const MergeRow& row, size_t b,
-                                             const Samples<kOthers>& uv, U8 limits) {
+ZAVRI_INLINE Agreement<kOthers> merge_chroma(MergeRow* to, const Samples<kOthers>& uv, U8 limits) {
   Agreement<kOthers> agreement{};
   for (int k = 0; k < kOthers; ++k) {
     agreement.of[k] = pairs_within(uv.other[k], uv.reference, limits);
@@ -142,50 +141,49 @@ ZAVRI_INLINE Agreement<kOthers> merge_chroma(const MergeRow& row, size_t b,
   }
   if constexpr (writes_chroma(kKind)) {
     const U8 merged = mean<kOthers>(uv.reference, uv.other, agreement.of);
-    store(row.uv + b, select(agreement.of_some, merged, uv.reference));
+    store_next(&to->uv, select(agreement.of_some, merged, uv.reference));
   }
   return agreement;
 }
 
 // Merges the luma of a vector, and writes back the bytes that stay as they are.
 template <int kOthers>
-ZAVRI_INLINE void merge_luma(const MergeRow& row, size_t b, const Samples<kOthers>& y0, U8 y1,
+ZAVRI_INLINE void merge_luma(MergeRow* to, const Samples<kOthers>& y0, U8 y1,
                              const Agreement<kOthers>& agreement, U8 limits) {
   const U8 merged = mean<kOthers>(y0.reference, y0.other, agreement.of);
   const U8 accepted = agreement.of_some & pairs_within(merged, y0.reference, limits);
   const U8 flat = duplicate_even(merged);
-  store(row.y0 + b, select(accepted, flat, y0.reference));
-  store(row.y1 + b, select(accepted, flat, y1));
+  store_next(&to->y0, select(accepted, flat, y0.reference));
+  store_next(&to->y1, select(accepted, flat, y1));
 }
 
 // Merges the positions of one vector.
 template <MergeKind kKind, int kOthers>
-ZAVRI_INLINE void merge_one(const MergeRow& row, size_t b, VectorLimits limits) {
-  const Samples<kOthers> uv(row.uv, row.other_uv, b);
-  const auto agreement = merge_chroma<kKind>(row, b, uv, limits.chroma);
+ZAVRI_INLINE void merge_one(MergeRow* from, MergeRow* to, VectorLimits limits) {
+  const Samples<kOthers> uv(&from->uv, from->other_uv);
+  const auto agreement = merge_chroma<kKind>(to, uv, limits.chroma);
   if constexpr (writes_luma(kKind)) {
-    const Samples<kOthers> y0(row.y0, row.other_y, b);
-    merge_luma(row, b, y0, load(row.y1 + b), agreement, limits.luma);
+    const Samples<kOthers> y0(&from->y0, from->other_y);
+    merge_luma(to, y0, load_next(&from->y1), agreement, limits.luma);
   }
 }
 
 // Merges the positions of two vectors, which are loaded before they are merged, so that a processor
 // which executes in order waits for both at once.
 template <MergeKind kKind, int kOthers>
-ZAVRI_INLINE void merge_two(const MergeRow& row, size_t b, VectorLimits limits,
+ZAVRI_INLINE void merge_two(MergeRow* from, MergeRow* to, VectorLimits limits,
                             VectorLimits next_limits) {
-  const size_t next = b + kVectorBytes;
-  const Samples<kOthers> uv(row.uv, row.other_uv, b);
-  const Samples<kOthers> next_uv(row.uv, row.other_uv, next);
-  const auto agreement = merge_chroma<kKind>(row, b, uv, limits.chroma);
-  const auto next_agreement = merge_chroma<kKind>(row, next, next_uv, next_limits.chroma);
+  const Samples<kOthers> uv(&from->uv, from->other_uv);
+  const Samples<kOthers> next_uv(&from->uv, from->other_uv);
+  const auto agreement = merge_chroma<kKind>(to, uv, limits.chroma);
+  const auto next_agreement = merge_chroma<kKind>(to, next_uv, next_limits.chroma);
   if constexpr (writes_luma(kKind)) {
-    const Samples<kOthers> y0(row.y0, row.other_y, b);
-    const Samples<kOthers> next_y0(row.y0, row.other_y, next);
-    const U8 y1 = load(row.y1 + b);
-    const U8 next_y1 = load(row.y1 + next);
-    merge_luma(row, b, y0, y1, agreement, limits.luma);
-    merge_luma(row, next, next_y0, next_y1, next_agreement, next_limits.luma);
+    const Samples<kOthers> y0(&from->y0, from->other_y);
+    const Samples<kOthers> next_y0(&from->y0, from->other_y);
+    const U8 y1 = load_next(&from->y1);
+    const U8 next_y1 = load_next(&from->y1);
+    merge_luma(to, y0, y1, agreement, limits.luma);
+    merge_luma(to, next_y0, next_y1, next_agreement, next_limits.luma);
   }
 }
 
@@ -193,23 +191,25 @@ ZAVRI_INLINE void merge_two(const MergeRow& row, size_t b, VectorLimits limits,
 // vectors of four frames would not fit the registers.
 template <MergeKind kKind, int kOthers>
 ZAVRI_INLINE size_t merge_vectors(const MergeRow& row, size_t bytes, const MergeLimits& limits) {
-  const MergeRow rows = row;  // no store can alias this copy
-  const VectorLimits flat(splat<U8>(limits.chroma), splat<U8>(limits.luma));
-  const auto limits_at = [&](size_t b) {
-    if constexpr (!uses_ramp(kKind)) return flat;
-    const U8 ramp = load(limits.ramp + b);
+  MergeRow from = row;
+  MergeRow to = row;
+  const U8 chroma = splat<U8>(limits.chroma);
+  const U8 luma = splat<U8>(limits.luma);
+  const uint8_t* next_ramp = limits.ramp;
+  const auto next_limits = [&] {
+    if constexpr (!uses_ramp(kKind)) return VectorLimits(chroma, luma);
+    const U8 ramp = load_next(&next_ramp);
     return VectorLimits(ramp, ramp);
   };
-  size_t b = 0;
+  size_t left = bytes / kVectorBytes;
   if constexpr (kOthers <= 2) {
-    for (; b + 2 * kVectorBytes <= bytes; b += 2 * kVectorBytes) {
-      merge_two<kKind, kOthers>(rows, b, limits_at(b), limits_at(b + kVectorBytes));
+    for (; left >= 2; left -= 2) {
+      const VectorLimits first = next_limits();
+      merge_two<kKind, kOthers>(&from, &to, first, next_limits());
     }
   }
-  for (; b + kVectorBytes <= bytes; b += kVectorBytes) {
-    merge_one<kKind, kOthers>(rows, b, limits_at(b));
-  }
-  return b;
+  for (; left > 0; --left) merge_one<kKind, kOthers>(&from, &to, next_limits());
+  return bytes - bytes % kVectorBytes;
 }
 
 // Tells whether no position writes what another one reads, so that their order does not show. One

@@ -7,6 +7,18 @@ namespace zavri {
 namespace {
 namespace generic {
 
+template <class Byte>
+ZAVRI_INLINE U8 load_next(Byte** from) {
+  const U8 v = load(*from);
+  *from += kVectorBytes;
+  return v;
+}
+
+ZAVRI_INLINE void store_next(uint8_t** to, U8 v) {
+  store(*to, v);
+  *to += kVectorBytes;
+}
+
 ZAVRI_INLINE U8 load_blocks(const uint8_t* from, ptrdiff_t distance) {
   U8 v;
   for (size_t i = 0; i < kBlocks; ++i) {

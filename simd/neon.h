@@ -13,6 +13,30 @@ using generic::multiply_add_pairs;
 using generic::small_quotient;
 using generic::store_blocks;
 
+#ifdef __aarch64__
+
+using generic::load_next;
+using generic::store_next;
+
+#else
+
+// Loads and stores of NEON can move their address on, but cannot add an offset to it. Compilers,
+// which compute the addresses of neighbouring vectors from one, come upon the cheaper form when
+// they cannot see through a move.
+template <class Byte>
+ZAVRI_INLINE U8 load_next(Byte** from) {
+  const U8 v = generic::load_next(from);
+  asm("" : "+r"(*from));
+  return v;
+}
+
+ZAVRI_INLINE void store_next(uint8_t** to, U8 v) {
+  generic::store_next(to, v);
+  asm("" : "+r"(*to));
+}
+
+#endif
+
 template <class V>
 ZAVRI_INLINE Deinterleaved<V> load_deinterleaved(const uint8_t* from) {
   if constexpr (sizeof(Lane<V>) == 1) {

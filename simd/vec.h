@@ -17,6 +17,8 @@
 //                                   kVectorBytes, and may repeat bytes of the one before it
 // Memory, at any address
 //   load<V>(from), store(to, v)     a vector
+//   load_next(&from), store_next(&to, v)
+//                                   likewise, and move the address on to the vector behind
 //   load_blocks(from, distance)     block i is the 16 bytes at from + i * distance
 //   store_blocks(to, distance, v)   likewise
 //   load_deinterleaved<V>(from)     of two vectors the lanes 0, 2, .. as even, 1, 3, .. as odd

@@ -18,10 +18,12 @@ typedef __m128i Native;
 
 using generic::duplicate_even;
 using generic::load_deinterleaved;
+using generic::load_next;
 using generic::reciprocals;
 using generic::small_quotient;
 using generic::splat_first_pair;
 using generic::store_interleaved;
+using generic::store_next;
 using generic::weighted_mean;
 using generic::widen;
 
