@@ -1,6 +1,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "compose/decimate.h"
 #include "compose/padding.h"
 #include "include/zavricustpro.h"
 #include "platform/log.h"
@@ -44,10 +45,11 @@ void lay_out(const T_ComposeParam& param, uint8_t* scratch) {
     memcpy(luma, scratch, pixels >> 1);
     memcpy(chroma, scratch_chroma, pixels >> 2);
   }
-  memset(frame, kBlackLuma, pixels >> 2);
-  memset(frame + ((pixels * 3) >> 2), kBlackLuma, pixels >> 2);
-  memset(frame + pixels, kBlackChroma, pixels >> 3);
-  memset(frame + ((pixels * 11) >> 3), kBlackChroma, pixels >> 3);
+  const FillFunction fill = decimate_kernels().fill;
+  fill(frame, kBlackLuma, pixels >> 2);
+  fill(frame + ((pixels * 3) >> 2), kBlackLuma, pixels >> 2);
+  fill(frame + pixels, kBlackChroma, pixels >> 3);
+  fill(frame + ((pixels * 11) >> 3), kBlackChroma, pixels >> 3);
 }
 
 }  // namespace

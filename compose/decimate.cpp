@@ -38,10 +38,12 @@ void decimate(uint8_t* to, const uint8_t* from, size_t bytes) {
   decimate_plain<kSize>(to, from, bytes);
 }
 
+void fill(uint8_t* to, uint8_t byte, size_t n) { fill_bytes(to, byte, n); }
+
 }  // namespace
 
 const DecimateKernels& decimate_kernels(ThisBuild) {
-  static constexpr DecimateKernels kKernels = {decimate<1>, decimate<2>};
+  static constexpr DecimateKernels kKernels = {decimate<1>, decimate<2>, fill};
   return kKernels;
 }
 

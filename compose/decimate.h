@@ -11,9 +11,12 @@ namespace zavri {
 // overlap the result is that of copying one sample after the other.
 using DecimateFunction = void (*)(uint8_t* to, const uint8_t* from, size_t bytes);
 
+using FillFunction = void (*)(uint8_t* to, uint8_t byte, size_t n);
+
 struct DecimateKernels {
   DecimateFunction luma;
   DecimateFunction chroma;  // samples are (U, V) pairs, `bytes` is even
+  FillFunction fill;        // sets to[0, n) to `byte`
 };
 
 const DecimateKernels& decimate_kernels(PlainBuild);

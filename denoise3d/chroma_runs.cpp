@@ -60,9 +60,10 @@ struct Reciprocals {
 };
 constexpr Reciprocals kReciprocals;
 
-uint8_t quick_mean(uint64_t sum, size_t count) {
+// The sum and half the count fit 32 bits together.
+uint8_t quick_mean(uint32_t sum, uint32_t count) {
   if (count >= 256) return rounded_mean(sum, count);
-  return static_cast<uint8_t>((sum + count / 2) * kReciprocals.of[count] >> 32);
+  return static_cast<uint8_t>(uint64_t{sum + count / 2} * kReciprocals.of[count] >> 32);
 }
 
 // A vector loaded from bytes + kVectorBytes - n has its first n bytes set.
@@ -96,7 +97,7 @@ ZAVRI_INLINE void fill(uint8_t* to, size_t bytes, U8 pairs) {
 }
 
 // A pair adds at most 255 to a run's sum of U or of V: in a sequence up to this length, in bytes,
-// both stay below 2^32, which PairSums takes.
+// both stay below 2^32, which PairSums takes, even with half the count of pairs added.
 constexpr size_t kLongestSequence = size_t{1} << 25;
 
 // Smooths the run that begins at plane + first and returns where the next one begins. At least one
@@ -114,8 +115,8 @@ ZAVRI_INLINE size_t smooth_run(uint8_t* plane, size_t first, size_t end) {
     pairs = load(plane + at);
     close = close_to(pairs, anchor);
   }
-  uint64_t tail_u = 0;
-  uint64_t tail_v = 0;
+  uint32_t tail_u = 0;
+  uint32_t tail_v = 0;
   if (at + kVectorBytes <= end) {
     const size_t taken = first_clear(close);
     sums.add(pairs & load(kPrefix.bytes + kVectorBytes - taken));
@@ -128,7 +129,7 @@ ZAVRI_INLINE size_t smooth_run(uint8_t* plane, size_t first, size_t end) {
       tail_v += plane[at + 1];
     }
   }
-  const size_t count = (at - first) / kPair;
+  const auto count = static_cast<uint32_t>((at - first) / kPair);
   if (count >= 2) {
     const PairTotals sum = sums.totals();
     const unsigned mean_u = quick_mean(sum.even + tail_u, count);
@@ -241,7 +242,7 @@ size_t smooth_column_blocks(uint8_t* plane, size_t x, size_t width, size_t rows,
 void smooth_columns(uint8_t* plane, size_t width, size_t rows, size_t stride) {
   size_t x = 0;
   if (kVectorized) {
-    x = smooth_column_blocks<2>(plane, x, width, rows, stride);
+    if (kRoomForTwoStates) x = smooth_column_blocks<2>(plane, x, width, rows, stride);
     x = smooth_column_blocks<1>(plane, x, width, rows, stride);
   }
   for (; x < width; x += kPair) smooth_line(plane + x, stride, rows);

@@ -19,6 +19,10 @@ ZAVRI_INLINE void store_next(uint8_t** to, U8 v) {
   *to += kVectorBytes;
 }
 
+constexpr bool kRoomForTwoStates = true;
+
+ZAVRI_INLINE void fill_bytes(uint8_t* to, uint8_t byte, size_t n) { memset(to, byte, n); }
+
 ZAVRI_INLINE U8 load_blocks(const uint8_t* from, ptrdiff_t distance) {
   U8 v;
   for (size_t i = 0; i < kBlocks; ++i) {

@@ -10,15 +10,18 @@ namespace {
 using generic::at_most;
 using generic::load_blocks;
 using generic::multiply_add_pairs;
-using generic::small_quotient;
 using generic::store_blocks;
 
 #ifdef __aarch64__
 
+using generic::fill_bytes;
+using generic::kRoomForTwoStates;
 using generic::load_next;
 using generic::store_next;
 
 #else
+
+constexpr bool kRoomForTwoStates = false;
 
 // Loads and stores of NEON can move their address on, but cannot add an offset to it. Compilers,
 // which compute the addresses of neighbouring vectors from one, come upon the cheaper form when
@@ -33,6 +36,18 @@ ZAVRI_INLINE U8 load_next(Byte** from) {
 ZAVRI_INLINE void store_next(uint8_t** to, U8 v) {
   generic::store_next(to, v);
   asm("" : "+r"(*to));
+}
+
+// C libraries for all processors of ARMv7 fill without NEON.
+ZAVRI_INLINE void fill_bytes(uint8_t* to, uint8_t byte, size_t n) {
+  if (n < kVectorBytes) return generic::fill_bytes(to, byte, n);
+  const U8 v = splat<U8>(byte);
+  uint8_t* const last = to + n - kVectorBytes;
+  for (; n >= 4 * kVectorBytes; n -= 4 * kVectorBytes) {
+    for (size_t i = 0; i < 4; ++i) store_next(&to, v);
+  }
+  for (; n >= kVectorBytes; n -= kVectorBytes) store_next(&to, v);
+  store(last, v);
 }
 
 #endif
@@ -131,6 +146,24 @@ template <int kLeast, int kMost>
 ZAVRI_INLINE S16 reciprocals(U16 w) {
   return (S16)vcombine_s16(half_reciprocals(vget_low_u16((uint16x8_t)w)),
                            half_reciprocals(vget_high_u16((uint16x8_t)w)));
+}
+
+// Shifts the top bits of the differences for kBit and the bits below in behind those of the bits
+// above.
+template <int kBit>
+ZAVRI_INLINE uint16x8_t quotient_complement(uint16x8_t rest, uint16x8_t b, uint16x8_t above) {
+  const uint16x8_t less = vsubq_u16(rest, vshlq_n_u16(b, kBit));
+  const uint16x8_t complement = vsriq_n_u16(above, less, 5 - kBit);
+  if constexpr (kBit == 0) {
+    return complement;
+  } else {
+    return quotient_complement<kBit - 1>(vminq_u16(rest, less), b, complement);
+  }
+}
+
+// The long division of the generic body: bits 14 to 10 of the complement are the quotient's.
+ZAVRI_INLINE U16 small_quotient(U16 a, U16 b) {
+  return 31 - ((U16)quotient_complement<4>((uint16x8_t)a, (uint16x8_t)b, uint16x8_t{}) >> 10);
 }
 
 #ifdef __aarch64__
@@ -255,7 +288,15 @@ class PairSums {
   }
 
   ZAVRI_INLINE PairTotals totals() const {
-    return {even_[0] + even_[1] + even_[2] + even_[3], odd_[0] + odd_[1] + odd_[2] + odd_[3]};
+#ifdef __aarch64__
+    return {vaddvq_u32((uint32x4_t)even_), vaddvq_u32((uint32x4_t)odd_)};
+#else
+    const auto halves = [](U32 sums) {
+      return vpadd_u32(vget_low_u32((uint32x4_t)sums), vget_high_u32((uint32x4_t)sums));
+    };
+    const uint32x2_t both = vpadd_u32(halves(even_), halves(odd_));
+    return {vget_lane_u32(both, 0), vget_lane_u32(both, 1)};
+#endif
   }
 
  private:
@@ -263,15 +304,22 @@ class PairSums {
   U32 odd_{};
 };
 
-// Returns four bits for each byte of a mask, in order.
-ZAVRI_INLINE uint64_t nibbles(U8 mask) {
-  return vget_lane_u64(vreinterpret_u64_u8(vshrn_n_u16((uint16x8_t)mask, 4)), 0);
+// Returns the same count of bits for each pair of a mask, in order, as one core register holds.
+ZAVRI_INLINE size_t pair_bits(U8 mask) {
+  const uint8x8_t bytes = vmovn_u16((uint16x8_t)mask);
+#ifdef __aarch64__
+  return vget_lane_u64(vreinterpret_u64_u8(bytes), 0);
+#else
+  const uint8x8_t nibbles = vshrn_n_u16(vreinterpretq_u16_u8(vcombine_u8(bytes, bytes)), 4);
+  return vget_lane_u32(vreinterpret_u32_u8(nibbles), 0);
+#endif
 }
 
-ZAVRI_INLINE bool all_set(U8 mask) { return ~nibbles(mask) == 0; }
+ZAVRI_INLINE bool all_set(U8 mask) { return ~pair_bits(mask) == 0; }
 
 ZAVRI_INLINE size_t first_clear(U8 mask) {
-  return static_cast<size_t>(__builtin_ctzll(~nibbles(mask))) / 4;
+  constexpr size_t kBitsOfPair = 8 * sizeof(size_t) / kLanesOf<U16>;
+  return static_cast<size_t>(__builtin_ctzl(~pair_bits(mask))) / kBitsOfPair * 2;
 }
 
 }  // namespace

@@ -15,6 +15,9 @@
 //   for_vectors(first, end, make)   calls make(i) for vectors of the bytes first .. end - 1, each
 //                                   from byte i on; the last one ends at `end`, which is at least
 //                                   kVectorBytes, and may repeat bytes of the one before it
+// Registers
+//   kRoomForTwoStates               whether they hold two states of several vectors each, or little
+//                                   is lost where they do not
 // Memory, at any address
 //   load<V>(from), store(to, v)     a vector
 //   load_next(&from), store_next(&to, v)
@@ -23,6 +26,7 @@
 //   store_blocks(to, distance, v)   likewise
 //   load_deinterleaved<V>(from)     of two vectors the lanes 0, 2, .. as even, 1, 3, .. as odd
 //   store_interleaved(to, a, b)     two vectors a[0], b[0], a[1], b[1], .. of bytes
+//   fill_bytes(to, byte, n)         sets n bytes
 // Order
 //   splat<V>(x)                     x in every lane
 //   splat_first_pair(U8 v)          v[0], v[1], v[0], v[1], ..
@@ -63,7 +67,7 @@
 //                                   two, and before add(ByteSums) and total()
 //   PairSums                        sums the even and the odd bytes by add(U8 v); totals(), each
 //                                   below 2^32
-// Masks
+// Masks, whose pairs of bytes are alike
 //   all_set(U8 mask)                whether all bytes are set
 //   first_clear(U8 mask)            the index of the first clear byte; there is at least one
 

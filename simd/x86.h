@@ -17,6 +17,8 @@ typedef __m128i Native;
 #endif
 
 using generic::duplicate_even;
+using generic::fill_bytes;
+using generic::kRoomForTwoStates;
 using generic::load_deinterleaved;
 using generic::load_next;
 using generic::reciprocals;
