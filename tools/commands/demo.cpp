@@ -1,88 +1,24 @@
-#include <algorithm>
-#include <cstdlib>
 #include <filesystem>
-#include <limits>
-#include <numeric>
 
 #include "tools/command_line.h"
 #include "tools/commands/demo_steps.h"
+#include "tools/commands/demo_tiles.h"
+#include "tools/commands/pages.h"
 #include "tools/error.h"
 #include "tools/images/metrics.h"
 #include "tools/operations/denoise.h"
+#include "tools/quality/score.h"
+#include "tools/quality/verdict.h"
+#include "tools/report/run_page.h"
 #include "tools/sensor/burst.h"
 
 namespace zavri::tools {
 namespace {
 
-constexpr char kDefaultPhotograph[] = "/usr/share/backgrounds/seeding_by_Clements_Engelhardt.jpg";
+constexpr char kDefaultPhotograph[] = "/usr/share/backgrounds/Dragonfly_by_Bolly.jpg";
 constexpr int kFrames = 4;
 constexpr int kRuns = 7;
-constexpr int kCropSide = 640;
-
-struct Part {
-  int x, y, width, height;
-};
-
-// The sum of the differences from sample to sample of the luma. A part has no padding, so that its
-// samples stand one after the other.
-int64_t detail(const Frame& part) {
-  const uint8_t* const luma = part.luma_row(0);
-  const auto count = static_cast<int64_t>(part.width()) * part.height();
-  int64_t sum = 0;
-  for (int64_t i = 1; i < count; ++i) sum += std::abs(luma[i] - luma[i - 1]);
-  return sum;
-}
-
-// Is highest where noise shows best, where it hides neither in detail nor in the dark or bright.
-int64_t evenness(const Frame& part) {
-  constexpr int64_t kDark = 64;
-  constexpr int64_t kBright = 160;
-  const uint8_t* const luma = part.luma_row(0);
-  const auto count = static_cast<int64_t>(part.width()) * part.height();
-  const int64_t mean = std::accumulate(luma, luma + count, int64_t{0}) / count;
-  const bool middle = mean >= kDark && mean <= kBright;
-  return -detail(part) - (middle ? 0 : 255 * count);
-}
-
-// Finds the part with the highest score(part) among squares that overlap by half.
-template <class Score>
-Part best_part(const Frame& frame, Score score) {
-  Part part{0, 0, std::min(kCropSide, frame.width()), std::min(kCropSide, frame.height())};
-  Part best = part;
-  int64_t highest = std::numeric_limits<int64_t>::min();
-  for (part.y = 0; part.y + part.height <= frame.height(); part.y += kCropSide / 2) {
-    for (part.x = 0; part.x + part.width <= frame.width(); part.x += kCropSide / 2) {
-      const int64_t reached = score(frame.crop(part.x, part.y, part.width, part.height));
-      if (reached <= highest) continue;
-      highest = reached;
-      best = part;
-    }
-  }
-  return best;
-}
-
-// Shows the same parts of several frames at their own size: each frame has a column and each part a
-// row.
-Picture side_by_side(const std::vector<const Frame*>& frames, const std::vector<Part>& parts) {
-  const int width = parts.front().width;
-  const int height = parts.front().height;
-  Picture all(width * static_cast<int>(frames.size()), height * static_cast<int>(parts.size()));
-  const size_t row_bytes = 3 * static_cast<size_t>(width);
-  uint8_t* to = all.rgb.data();
-  for (const Part& part : parts) {
-    std::vector<Picture> pictures;
-    pictures.reserve(frames.size());
-    for (const Frame* frame : frames) {
-      pictures.push_back(to_picture(frame->crop(part.x, part.y, width, height)));
-    }
-    for (size_t row = 0; row < static_cast<size_t>(height); ++row) {
-      for (const Picture& picture : pictures) {
-        to = std::copy_n(&picture.rgb[row * row_bytes], row_bytes, to);
-      }
-    }
-  }
-  return all;
-}
+constexpr char kPage[] = "/report.html";
 
 Report quality(const Frame& clean, const Frame& before, const Frame& after) {
   Report table = Report::array();
@@ -96,6 +32,18 @@ Report quality(const Frame& clean, const Frame& before, const Frame& after) {
                      {"ssim_after", decimals(denoised[i].ssim, 4)}});
   }
   return table;
+}
+
+// The three numbers, before and after.
+Report score_table(const Scorer& scorer, const Score& after) {
+  const auto row = [](const char* name, const PlaneScore& then, const PlaneScore& now) {
+    return Report{{"plane", name},
+                  {"noise_removed", decimals(now.noise_removed, 2)},
+                  {"texture_psnr_before", decimals(then.texture_psnr, 2)},
+                  {"texture_psnr_after", decimals(now.texture_psnr, 2)}};
+  };
+  const Score& before = scorer.before();
+  return {row("luma", before.luma, after.luma), row("chroma", before.chroma, after.chroma)};
 }
 
 class Demo : public Command {
@@ -118,7 +66,8 @@ class Demo : public Command {
   void find_photograph();
   // Throws an Error unless all files of the demo can be written.
   void prepare(const std::vector<NamedFrame>& raw, Console& console) const;
-  void write(const BurstFrames& burst, const Frame& before, const Frame& after) const;
+  void write(const Versions& versions) const;
+  void write_report(const BurstFrames& burst, const Result& result, Console& console) const;
 
   std::string photograph_;
   std::string folder_ = "zavri-demo";
@@ -146,11 +95,18 @@ void Demo::prepare(const std::vector<NamedFrame>& raw, Console& console) const {
   for (const std::string& path : paths) prepare_output(path, console, check_output);
 }
 
-void Demo::write(const BurstFrames& burst, const Frame& before, const Frame& after) const {
-  save(before, folder_ + "/before.png");
-  save(after, folder_ + "/after.png");
-  const std::vector<Part> parts{best_part(burst.clean, detail), best_part(burst.clean, evenness)};
-  save(side_by_side({&before, &after, &burst.clean}, parts), folder_ + "/crop.png");
+void Demo::write(const Versions& versions) const {
+  save(versions.before, folder_ + "/before.png");
+  save(versions.after, folder_ + "/after.png");
+  save(draw_tiles(versions), folder_ + "/crop.png");
+}
+
+void Demo::write_report(const BurstFrames& burst, const Result& result, Console& console) const {
+  if (const std::string obstacle = page_obstacle(); !obstacle.empty()) {
+    console.remark(obstacle);
+    return;
+  }
+  write_page(page_of({burst.noisy, denoise_, result, &burst.clean}), folder_ + kPage, console);
 }
 
 int Demo::run(Console& console) {
@@ -172,7 +128,12 @@ int Demo::run(Console& console) {
   for (const std::string& remark : result.remarks) console.remark(remark);
   console.progress("writing pictures");
   for (const NamedFrame& frame : raw) save(*frame.frame, frame.path);
-  write(burst, before, result.frame);
+  write({before, result.frame, &burst.clean});
+  console.progress("writing the report");
+  write_report(burst, result, console);
+  const Scorer scorer(burst.clean, before);
+  const Score score = scorer.score(result.frame);
+  for (const std::string& loss : losses(scorer.before(), score)) console.remark(loss);
   console.progress("running the other operations");
   const Report further =
       further_operations({burst.clean, before, result.frame, folder_ + '/', kRuns});
@@ -181,12 +142,14 @@ int Demo::run(Console& console) {
                 {"size", before.size()},
                 {"frames", kFrames},
                 {"sensor_gain", sensor_.gain},
-                {"denoise", quality(burst.clean, before, result.frame)}};
+                {"denoise", quality(burst.clean, before, result.frame)},
+                {"score", score_table(scorer, score)}};
   for (const auto& [name, number] : result.figures) report[name] = decimals(number, 0);
   report["milliseconds"] = decimals(1e3 * result.seconds, 1);
   report["megapixels_per_second"] = decimals(before.megapixels() / result.seconds, 0);
   report["further_operations"] = further;
   report["pictures"] = {folder_ + "/before.png", "after.png", "crop.png"};
+  if (page_obstacle().empty()) report["report"] = folder_ + kPage;
   console.print(report);
   return kDone;
 }

@@ -3,8 +3,11 @@
 #include <string>
 
 #include "tools/command_line.h"
+#include "tools/commands/pages.h"
 #include "tools/error.h"
 #include "tools/images/storage.h"
+#include "tools/report/noise_plots.h"
+#include "tools/report/results_page.h"
 #include "tools/sensor/noise_fit.h"
 
 namespace zavri::tools {
@@ -16,11 +19,13 @@ class Noise : public Command {
 
   void declare(Options& options) override {
     input_.declare(options, "frames of a still scene, or one frame with flat parts");
-    options.add({word("o", output_, "FILE", "the fit as a profile for zavri burst --profile")});
+    options.add({word("o", output_, "FILE", "the fit as a profile for zavri burst --profile"),
+                 word("plot", plot_, "PAGE.html", "a page with a plot of it")});
   }
 
   int run(Console& console) override {
     if (!output_.empty()) prepare_output(output_, console, check_file);
+    if (!plot_.empty()) prepare_page(plot_, console);
     constexpr int kMostFrames = 64;
     const std::vector<Frame> frames = load_frames(input_.paths, input_.options, kMostFrames);
     const NoiseFit fit = fit_noise(frames);
@@ -37,6 +42,7 @@ class Noise : public Command {
       }
       remark(kPlaneNames[i], fit[i], console);
     }
+    if (!plot_.empty()) write_plot(fit, planes, console);
     Report report{
         {"frames", frames.size()}, {"variances_at_levels", kShownLevels}, {"planes", planes}};
     // The list is too long for people.
@@ -85,8 +91,17 @@ class Noise : public Command {
     }
   }
 
+  void write_plot(const NoiseFit& fit, const Report& planes, const Console& console) const {
+    ReportPage page = page_of(Report{{"planes", planes}});
+    page.title = "Noise of " + std::to_string(input_.paths.size()) +
+                 (input_.paths.size() == 1 ? " file" : " files");
+    page.plots = {fitted_noise(fit)};
+    write_page(page, plot_, console);
+  }
+
   Input input_;
   std::string output_;
+  std::string plot_;
 };
 
 Noise g_noise("noise", "fit the variance of noise against the level, a * level + b",

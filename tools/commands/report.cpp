@@ -1,11 +1,14 @@
 #include <algorithm>
 #include <filesystem>
 #include <optional>
+#include <sstream>
 
 #include "tools/command_line.h"
+#include "tools/commands/pages.h"
 #include "tools/error.h"
 #include "tools/images/mask.h"
 #include "tools/log_lines.h"
+#include "tools/report/results_page.h"
 #include "tools/report/run_page.h"
 #include "tools/sensor/burst.h"
 
@@ -22,6 +25,9 @@ class MakeReport : public Command {
   int run(Console& console) override;
 
  private:
+  // Of what a command found out: rows of a sweep, or its report as JSON.
+  bool has_results() const;
+  ReportPage results_page() const;
   // Takes the frames and the truth of a burst's folder for files that were named one by one.
   void look_into_folder();
   ReportPage run_page();
@@ -34,7 +40,9 @@ class MakeReport : public Command {
 };
 
 void MakeReport::declare(Options& options) {
-  input_.declare(options, "the folder of a burst, or its frames");
+  input_.declare(options,
+                 "the folder of a burst, its frames, or results: .json as --json prints them, or "
+                 "rows in .jsonl");
   options.add(word("o", output_, "PAGE.html", "the page, one file that needs no other"), true);
   options.add({word("reference", clean_, "CLEAN", "the clean frame, where there is one"),
                word("mask", mask_, "MASK", "picture that is white where something moves")});
@@ -54,6 +62,32 @@ void MakeReport::look_into_folder() {
   std::sort(frames.begin(), frames.end());
   frames.resize(std::min<size_t>(frames.size(), static_cast<size_t>(denoise_.takes().most)));
   input_.paths = frames;
+}
+
+bool MakeReport::has_results() const {
+  const std::string extension = fs::path(input_.paths.front()).extension();
+  return extension == ".json" || extension == ".jsonl";
+}
+
+ReportPage MakeReport::results_page() const {
+  const std::string& path = input_.paths.front();
+  if (input_.paths.size() > 1) throw Error(path + ": results make a page alone");
+  const Bytes bytes = read_file(path);
+  Report results = Report::parse(bytes.begin(), bytes.end(), nullptr, false);
+  if (!results.is_object()) {
+    // JSON lines: a row each.
+    results = {{"rows", Report::array()}};
+    std::istringstream lines(std::string(bytes.begin(), bytes.end()));
+    for (std::string line; std::getline(lines, line);) {
+      results["rows"].push_back(Report::parse(line, nullptr, false));
+      if (!results["rows"].back().is_object()) {
+        throw Error(path + ": results are a report as --json prints it, or rows as JSON lines");
+      }
+    }
+  }
+  ReportPage page = page_of(results);
+  page.title = "Results of " + path;
+  return page;
 }
 
 ReportPage MakeReport::run_page() {
@@ -83,18 +117,18 @@ ReportPage MakeReport::run_page() {
 }
 
 int MakeReport::run(Console& console) {
-  prepare_output(output_, console, check_file);
-  ReportPage page = run_page();
-  page.command = console.command;
-  page.program = "zavri " ZAVRI_VERSION;
-  const std::string html = to_html(page);
-  write_file(output_, Bytes(html.begin(), html.end()));
+  prepare_page(output_, console);
+  const ReportPage page = has_results() ? results_page() : run_page();
+  write_page(page, output_, console);
   for (const std::string& remark : page.remarks) console.remark(remark);
-  console.print({{"report", output_}, {"pictures", page.comparisons.size()}});
+  console.print({{"report", output_},
+                 {"pictures", page.comparisons.size()},
+                 {"plots", page.plots.size()},
+                 {"tables", page.tables.size()}});
   return kDone;
 }
 
-MakeReport g_report("report", "a page about one denoise: pictures, numbers, noise, agreement",
+MakeReport g_report("report", "a page about one denoise or about results: pictures, numbers, plots",
                     "report burst --thresh 28 --thresh-luma 40 -o report.html");
 
 }  // namespace

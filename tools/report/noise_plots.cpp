@@ -67,13 +67,15 @@ std::vector<PagePlot> noise_by_level(const Frame& target, const Frame& before, c
   const Frame& scene = fit == nullptr ? target : after;
   std::vector<PagePlot> plots;
   for (const bool is_luma : {true, false}) {
+    const PageSeries made = measure("after", target, after, scene, is_luma, fit);
+    if (made.x.empty()) continue;  // the frame is too small
     PageSeries noisy = measure("before", target, before, scene, is_luma, fit);
     noisy.baseline = true;
     plots.push_back({std::string("Noise by level, ") + (is_luma ? "luma" : "chroma"),
                      "In flat parts, as a standard deviation.",
                      {"Level of luma", ""},
                      {"Noise", "levels", true},
-                     {measure("after", target, after, scene, is_luma, fit), noisy}});
+                     {made, noisy}});
   }
   return plots;
 }

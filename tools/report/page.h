@@ -124,8 +124,10 @@ struct ReportPage {
   std::vector<std::string> log_lines;
 };
 
-// One HTML file that needs nothing else. Throws an Error, which says how to get them, where the
-// program was built without the page's libraries.
+// Why the program cannot make pages, and what would help; empty where it can.
+std::string page_obstacle();
+
+// One HTML file that needs nothing else. There must be no page_obstacle().
 std::string to_html(const ReportPage& page);
 
 }  // namespace zavri::tools

@@ -13,8 +13,6 @@ namespace {
 
 using Value = std::function<double(const PageRegion& region)>;
 
-constexpr int kCloser = 3;
-
 Blocks blocks_in(const PageRegion& region) {
   Blocks blocks;
   for (int y = region.y / kBlockSide; y < (region.y + region.height) / kBlockSide; ++y) {
@@ -60,6 +58,9 @@ bool is_same(const PageRegion& a, const PageRegion& b) {
   return std::abs(a.x - b.x) < a.width / 2 && std::abs(a.y - b.y) < a.height / 2;
 }
 
+// Even, as the sides of a frame's parts are.
+int third(int side) { return std::max(2, side / kCloserScale & ~1); }
+
 // Noise shows best where it hides neither in detail nor in the dark or bright.
 double evenness(const Frame& frame, const PageRegion& region) {
   constexpr double kDark = 48;
@@ -104,7 +105,7 @@ std::vector<Part> choose_parts(const Versions& versions, int width, int height) 
   // The result shows detail and levels with less noise than the frame before.
   const Frame& scene = versions.clean != nullptr ? *versions.clean : versions.after;
   const auto loss = [&](const PageRegion& region) {
-    return -gained(versions, region).value_or(-1e3);
+    return -gained(versions, region).value_or(1e3);
   };
   const auto change = [&](const PageRegion& region) {
     return coarse_mean_square(BlockPlane::luma_of(versions.before),
@@ -142,7 +143,7 @@ std::vector<Part> choose_parts(const Versions& versions, int width, int height) 
       same->name += std::string(", ") + static_cast<char>(std::tolower(name[0])) + (name + 1);
       continue;
     }
-    parts.push_back({name, region, best(region, width / kCloser, height / kCloser, value)});
+    parts.push_back({name, region, best(region, third(region.width), third(region.height), value)});
   }
   return parts;
 }
@@ -152,7 +153,7 @@ std::vector<PageComparison> compared(const Versions& versions) {
   std::vector<PageComparison> pictures{picture_of(versions, "The whole frame", all, 0)};
   for (const Part& part : choose_parts(versions, kPagePartWidth, kPagePartHeight)) {
     pictures.push_back(picture_of(versions, part.name, part.region, 1));
-    pictures.push_back(picture_of(versions, part.name, part.closer, kCloser));
+    pictures.push_back(picture_of(versions, part.name, part.closer, kCloserScale));
   }
   return pictures;
 }

@@ -16,6 +16,8 @@ struct Versions {
   const Mask* moving = nullptr;
 };
 
+constexpr int kCloserScale = 3;
+
 // A part that is worth to be looked at: where most was lost, the most even, the most detailed, and
 // the one with most motion.
 struct Part {

@@ -1,5 +1,6 @@
 #include "tools/report/run_page.h"
 
+#include <cmath>
 #include <utility>
 
 #include "tools/error.h"
@@ -17,12 +18,13 @@ struct Judged {
   Score before;
   Score after;
   std::vector<PagePlot> plots;
+  std::string how;
 };
 
 Judged judge_by_clean(const DenoiseRun& run, const Frame& before) {
   const Scorer scorer(*run.clean, before, run.moving);
   return {scorer.before(), scorer.score(run.result.frame),
-          noise_by_level(*run.clean, before, run.result.frame)};
+          noise_by_level(*run.clean, before, run.result.frame), "Judged by the clean frame."};
 }
 
 Judged judge_by_leaving_out(const DenoiseRun& run) {
@@ -32,9 +34,13 @@ Judged judge_by_leaving_out(const DenoiseRun& run) {
   Frames others(run.frames.begin(), run.frames.end() - 1);
   const Frame& left_out = run.frames.back();
   const NoiseFit fit = fit_noise(run.frames);
-  return {Scorer(run.frames, run.frames.size() - 1).before(),
-          score_by_leaving_out(run.frames, merge),
-          noise_by_level(left_out, others[0], merge(others), &fit)};
+  const Scorer scorer(run.frames, run.frames.size() - 1);
+  const long moving = std::lround(100 * scorer.moving_share());
+  return {scorer.before(), score_by_leaving_out(run.frames, merge),
+          noise_by_level(left_out, others[0], merge(others), &fit),
+          "Judged by leaving out one frame after the other. Of the frame, " +
+              std::to_string(moving) +
+              " % move or are shaken: noise and texture tell nothing of these parts."};
 }
 
 PageScore number(const std::string& name, const char* unit, const char* meaning, double value) {
@@ -111,8 +117,7 @@ ReportPage page_of(const DenoiseRun& run) {
     page.plots = std::move(judged.plots);
     const std::vector<std::string> worse = losses(judged.before, judged.after);
     page.remarks.insert(page.remarks.end(), worse.begin(), worse.end());
-    page.summary = run.clean != nullptr ? "Judged by the clean frame."
-                                        : "Judged by leaving out one frame after the other.";
+    page.summary = judged.how;
   } catch (const Error& error) {
     page.remarks.push_back(error.what());
   }
