@@ -1,5 +1,7 @@
 #include "tools/commands/pages.h"
 
+#include <zavricustpro/base.h>
+
 #include "tools/command_line.h"
 #include "tools/error.h"
 

@@ -90,6 +90,7 @@ PagePlot fitted_noise(const NoiseFit& fit) {
     const std::string name(1, static_cast<char>(std::toupper(kPlaneNames[k][0])));
     PageSeries points{name + " measured", PageMark::kPoints, {}, {}};
     PageSeries line{name + " fitted", PageMark::kLine, {}, {}};
+    line.follows = true;
     for (const NoiseLevel& level : fit[k].levels) {
       points.x.push_back(level.level);
       points.y.push_back(level.variance);

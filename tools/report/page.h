@@ -74,6 +74,7 @@ struct PageSeries {
   std::vector<double> high = {};
   std::vector<std::string> labels = {};  // empty, or what the cursor tells of each point
   bool baseline = false;                 // what the others are held against: dashed and grey
+  bool follows = false;                  // goes with the one before, and has its colour
 };
 
 struct PageAxis {

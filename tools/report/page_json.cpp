@@ -120,7 +120,7 @@ const char* name_of(PageMark mark) {
 Json series(const PageSeries& series) {
   return {{"name", series.name},     {"mark", name_of(series.mark)}, {"x", numbers(series.x)},
           {"y", numbers(series.y)},  {"low", numbers(series.low)},   {"high", numbers(series.high)},
-          {"labels", series.labels}, {"baseline", series.baseline}};
+          {"labels", series.labels}, {"baseline", series.baseline},  {"follows", series.follows}};
 }
 
 Json axis(const PageAxis& axis) {

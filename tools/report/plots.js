@@ -33,7 +33,11 @@ function column(rows, s, values) {
 
 function series_colours(series) {
   let next = 0;
-  return series.map(one => style(one.baseline ? '--baseline' : `--series-${next++ % 6}`));
+  return series.map(one => {
+    if (one.baseline) return style('--baseline');
+    if (!one.follows) next++;
+    return style(`--series-${(next - 1) % 6}`);
+  });
 }
 
 // What uPlot draws for one series.

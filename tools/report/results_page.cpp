@@ -1,6 +1,7 @@
 #include "tools/report/results_page.h"
 
 #include <algorithm>
+#include <cmath>
 #include <limits>
 #include <map>
 #include <set>
@@ -86,7 +87,7 @@ PagePlot trade_off(const Report& rows, const std::vector<std::string>& keys,
   for (const Report& row : rows) {
     const double x = number_of(row, plane + kNoiseRemoved);
     const double y = number_of(row, plane + against);
-    if (!(x == x && y == y)) continue;
+    if (std::isnan(x) || std::isnan(y)) continue;
     const std::string name = row.contains("mode") ? text_of(row["mode"]) : plane;
     PageSeries& one = series[name];
     one.name = name;
@@ -115,7 +116,7 @@ PagePlot over_gain(const std::string& title, const Report& rows,
     for (const Report& row : rows) {
       const double gain = number_of(row, "gain");
       const double value = number_of(row, key);
-      if (!(gain > 0 && value == value)) continue;
+      if (!(gain > 0) || std::isnan(value)) continue;
       series.x.push_back(gain);
       series.y.push_back(value);
     }
@@ -146,14 +147,15 @@ PageTable table_of(const std::string& title, const Report& rows,
   PageTable table{title, "", {}, {}, {}};
   for (const std::string& key : keys) {
     const bool is_whole = std::all_of(rows.begin(), rows.end(), [&](const Report& row) {
-      return !row.contains(key) || !row[key].is_number_float();
+      const double value = number_of(row, key);
+      return std::isnan(value) || value == std::round(value);
     });
-    table.columns.push_back({words(key), unit_of(key), is_whole ? 0 : 2});
+    table.columns.push_back({words(key), unit_of(key), is_whole ? 0 : 3});
   }
   for (const Report& row : rows) {
     std::vector<PageCell> cells;
     for (const std::string& key : keys) {
-      cells.push_back(row.contains(key) ? cell_of(row[key]) : PageCell());
+      cells.push_back(row.contains(key) ? cell_of(row[key]) : PageCell(std::string()));
     }
     table.rows.push_back(cells);
   }
@@ -164,7 +166,7 @@ PageTable table_of(const std::string& title, const Report& rows,
 
 ReportPage page_of(const Report& results) {
   ReportPage page;
-  PageTable single{"Results", "", {{"Name", "", 0}, {"Value", "", 2}}, {}, {}};
+  PageTable single{"Results", "", {{"Name", "", 0}, {"Value", "", 3}}, {}, {}};
   for (const auto& item : results.items()) {
     if (item.key() == "remarks") {
       for (const Report& remark : item.value()) page.remarks.push_back(text_of(remark));

@@ -61,9 +61,11 @@ void add_scores(const std::string& plane, const PlaneScore& before, const PlaneS
                           "PSNR in the quarter of the blocks with most detail.",
                           after.texture_psnr));
   scores.back().baseline = before.texture_psnr;
-  if (!after.ghost_error) return;
-  scores.push_back(number(plane + ": ghost error", "levels",
-                          "Of the coarse picture where something moves.", *after.ghost_error));
+  const bool moves = after.ghost_error.has_value();
+  scores.push_back(number(plane + ": ghost error", moves ? "levels" : "",
+                          moves ? "Of the coarse picture where something moves."
+                                : "Nothing is known to move, and so nothing of ghosts.",
+                          after.ghost_error.value_or(std::nan(""))));
   scores.back().higher_is_better = false;
   scores.back().baseline = before.ghost_error;
 }
