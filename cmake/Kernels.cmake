@@ -9,12 +9,17 @@ function(zavri_add_kernels objects prefix)
   zavri_add_objects(${objects} ${prefix}_plain ${ARGN})
   target_compile_options(${prefix}_plain PRIVATE -O2 -DZAVRI_BUILD_PLAIN)
   zavri_add_objects(${objects} ${prefix}_vector16 ${ARGN})
-  # GCC unrolls the fixed loops over lanes at -O3 only.
-  target_compile_options(${prefix}_vector16 PRIVATE -O3 -DZAVRI_VECTOR_BYTES=16)
+  # GCC unrolls the fixed loops over lanes at -O3 only. With sanitizers that takes it minutes.
+  set(unrolled -O3)
+  if(ZAVRI_SANITIZE)
+    set(unrolled -O1)
+  endif()
+  target_compile_options(${prefix}_vector16 PRIVATE ${unrolled} -DZAVRI_VECTOR_BYTES=16)
   if(CMAKE_SYSTEM_PROCESSOR MATCHES "x86_64" AND NOT ZAVRI_GENERIC_VECTORS)
     target_compile_options(${prefix}_vector16 PRIVATE -march=x86-64-v2)
     zavri_add_objects(${objects} ${prefix}_vector32 ${ARGN})
-    target_compile_options(${prefix}_vector32 PRIVATE -O3 -DZAVRI_VECTOR_BYTES=32 -march=x86-64-v3)
+    target_compile_options(${prefix}_vector32 PRIVATE
+      ${unrolled} -DZAVRI_VECTOR_BYTES=32 -march=x86-64-v3)
   elseif(CMAKE_SYSTEM_PROCESSOR MATCHES "^(arm|aarch64)" AND CMAKE_SIZEOF_VOID_P EQUAL 4
          AND NOT ZAVRI_GENERIC_VECTORS)
     target_compile_options(${prefix}_vector16 PRIVATE -mfpu=neon)

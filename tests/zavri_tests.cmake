@@ -14,7 +14,7 @@ add_executable(zavri_parts_test
   support/pictures.cpp)
 target_link_libraries(zavri_parts_test PRIVATE zavri_quality GTest::gtest_main)
 gtest_discover_tests(zavri_parts_test DISCOVERY_TIMEOUT 60
-  PROPERTIES ENVIRONMENT ${test_environment})
+  PROPERTIES ENVIRONMENT ${test_environment} LABELS threads)
 
 add_executable(zavri_plain_caller plain_caller.c)
 target_link_libraries(zavri_plain_caller PRIVATE zavricustpro)
