@@ -8,7 +8,7 @@ zavri=$1 readme=$2 photograph=$3
 [[ -e $photograph ]] || exit 77
 folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT
-commands='burst|denoise|chroma|resize|rnr|compose|compare|info --thresholds'
+commands='burst|denoise|chroma|resize|rnr|compose|compare|info --thresholds|sweep'
 mapfile -t lines < <(sed -En "s/ +#.*//; s/^zavri (($commands) .*)/\1/p" "$readme")
 cd "$folder"
 ln -s "$photograph" photo.jpg

@@ -1,5 +1,6 @@
 // Threshold tables, sweeps and tuning, as a user runs them.
 #include <algorithm>
+#include <cmath>
 #include <fstream>
 #include <nlohmann/json.hpp>
 
@@ -12,8 +13,40 @@ namespace {
 
 using Json = nlohmann::json;
 
+// Two megapixels, the smallest frame with thresholds above 0. Waves that become finer to the right,
+// and in colour: texture of which a burst can lose something.
+Picture waves() {
+  Picture picture(1632, 1232);
+  for (int y = 0; y < picture.height; ++y) {
+    for (int x = 0; x < picture.width; ++x) {
+      uint8_t* const rgb = &picture.rgb[3 * (static_cast<size_t>(y) * picture.width + x)];
+      const double fine = 20 * std::sin(x * x / 3000.0) * std::sin(y / 4.0);
+      rgb[0] = static_cast<uint8_t>(120 + 60.0 * x / picture.width + fine);
+      rgb[1] = static_cast<uint8_t>(110 + 50.0 * y / picture.height + fine);
+      rgb[2] = static_cast<uint8_t>(130 + 40 * std::sin(x / 90.0) + fine);
+    }
+  }
+  return picture;
+}
+
+// Rows without what differs from run to run.
+std::vector<Json> rows_in(const std::string& json_lines) {
+  std::vector<Json> rows;
+  for (size_t begin = 0, end; (end = json_lines.find('\n', begin)) != std::string::npos;
+       begin = end + 1) {
+    rows.push_back(Json::parse(json_lines.substr(begin, end - begin)));
+    EXPECT_EQ(rows.back().erase("milliseconds"), 1U);
+  }
+  return rows;
+}
+
 class Tuning : public Zavri {
  protected:
+  void make_moving_burst() {
+    save(waves(), path("waves.png"));
+    done("burst waves.png --sensor-gain 16 --shake 0.5 --object -o moving");
+  }
+
   void write(const std::string& name, const std::string& text) {
     std::ofstream(path(name)) << text;
   }
@@ -102,6 +135,60 @@ TEST_F(Tuning, UsedThresholdsAreThoseOfTheLibrary) {
   const std::string replay = "replay --then denoise:thresh-table=10:0,20:90,gain=15" + both;
   const Outcome verbose = run(replay + "--verbose --quiet");
   EXPECT_NE(verbose.err.find("gain:15, thresh:6, "), std::string::npos) << verbose.err;
+}
+
+TEST_F(Tuning, SweepsGoOnAndSpreadOverProcesses) {
+  make_moving_burst();
+  const std::string sweep =
+      "sweep denoise moving/frame* --reference moving/clean* --mask moving/mask* "
+      "--mode whole,chroma --thresh-luma auto --thresh ";
+  const std::string all = "20:60:20,21";  // 20 and 21 are used as the same
+  const Outcome whole = done(sweep + all + " -o rows.jsonl");
+  EXPECT_EQ(whole.err, "zavri: 2 combinations do the same as others and were left out\n");
+  const std::vector<Json> rows = rows_in(text_of("rows.jsonl"));
+  ASSERT_EQ(rows.size(), 6U);
+  EXPECT_EQ(rows[5]["used_thresh"], 9);
+  EXPECT_GT(rows[4]["chroma_noise_removed"], rows[0]["chroma_noise_removed"]);
+  EXPECT_EQ(rows[1]["luma_noise_removed"], 0);  // chroma alone was merged
+  EXPECT_GT(rows[4]["luma_ghost_error"], rows[1]["luma_ghost_error"]);
+
+  // A file that ends within a line.
+  const std::string text = text_of("rows.jsonl");
+  const size_t third = text.find('\n', text.find('\n') + 1) + 1;
+  write("part.jsonl", text.substr(0, third + 20));
+  done(sweep + all + " -o part.jsonl");
+  EXPECT_EQ(rows_in(text_of("part.jsonl")), rows);
+  EXPECT_EQ(text_of("part.jsonl").substr(0, third), text.substr(0, third));
+
+  // CSV goes on as well, at a terminal with the time that is left.
+  done(sweep + "20,60 -o rows.csv");
+  const Outcome terminal =
+      run_command("script -qec \"" ZAVRI_COMMAND " " + sweep + all + " -o rows.csv\" typescript");
+  EXPECT_NE(terminal.out.find("sweep: 2 of 2, 0 s left"), std::string::npos) << terminal.out;
+  std::filesystem::remove(path("typescript"));
+  const std::string csv = text_of("rows.csv");
+  EXPECT_EQ(std::count(csv.begin(), csv.end(), '\n'), 7);
+  EXPECT_EQ(csv.rfind("burst,thresh,thresh_luma,mode,luma_noise_removed,", 0), 0U) << csv;
+  for (const char* other : {"20:40:20 -o rows.csv", "20:60:20,21 --gain 9 -o rows.csv"}) {
+    const Outcome refused = run(sweep + other);
+    EXPECT_EQ(refused.status, kBadInput);
+    EXPECT_NE(refused.err.find("-o rows.csv: has rows of another sweep"), std::string::npos);
+  }
+  EXPECT_EQ(text_of("rows.csv"), csv);
+
+  // A line for each point, as the documents run them.
+  done(sweep + all + " --plan >plan.txt");
+  const Outcome ran = run_command("PATH=$(dirname " ZAVRI_COMMAND
+                                  "):$PATH parallel --jobs 2 <plan.txt >points.jsonl");
+  EXPECT_EQ(ran.status, 0) << ran.err;
+  done(sweep + all + " --collect points.jsonl -o collected.jsonl");
+  EXPECT_EQ(rows_in(text_of("collected.jsonl")), rows);
+  write("points.jsonl", text.substr(0, third));
+  const Outcome missing = run(sweep + all + " --collect points.jsonl");
+  EXPECT_EQ(missing.status, kBadInput);
+  EXPECT_NE(missing.err.find("4 of 6 rows are missing; the first is of zavri sweep"),
+            std::string::npos)
+      << missing.err;
 }
 
 }  // namespace

@@ -52,16 +52,6 @@ void add_console_options(CLI::App& app, Console& console) {
   app.add_flag("--force", console.force, "overwrite existing files");
 }
 
-// A shell takes the word as it stands, or in quotes.
-std::string quoted(const std::string& word) {
-  constexpr char kPlain[] =
-      "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789_-+./,:=@%";
-  if (!word.empty() && word.find_first_not_of(kPlain) == std::string::npos) return word;
-  std::string text = "'";
-  for (const char c : word) text += c == '\'' ? "'\\''" : std::string(1, c);
-  return text + '\'';
-}
-
 int parse_and_run(Command& command, int argc, char** argv) {
   CLI::App app(command.what(), std::string("zavri ") + command.name());
   app.footer(std::string("Example: zavri ") + command.example());

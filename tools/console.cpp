@@ -100,6 +100,14 @@ std::string csv_cell(const Report& value) {
   return text.find_first_of(",\"\n") == std::string::npos ? text : '"' + text + '"';
 }
 
+}  // namespace
+
+Report decimals(double value, int digits) {
+  if (!std::isfinite(value)) return value > 0 ? "inf" : "-inf";
+  const double scale = std::pow(10.0, digits);
+  return std::round(value * scale) / scale;
+}
+
 std::string csv_text(const Report& rows) {
   std::string lines;
   for (const auto& item : rows.front().items()) lines += csv_cell(item.key()) + ',';
@@ -109,14 +117,6 @@ std::string csv_text(const Report& rows) {
     lines.back() = '\n';
   }
   return lines;
-}
-
-}  // namespace
-
-Report decimals(double value, int digits) {
-  if (!std::isfinite(value)) return value > 0 ? "inf" : "-inf";
-  const double scale = std::pow(10.0, digits);
-  return std::round(value * scale) / scale;
 }
 
 Report value_of(const std::string& text) {

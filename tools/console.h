@@ -13,6 +13,9 @@ using Report = nlohmann::ordered_json;
 // Rounds a number to so many decimals; JSON has no infinity, which becomes the text "inf".
 Report decimals(double value, int digits);
 
+// Returns a table as comma-separated values, with its keys in the first line.
+std::string csv_text(const Report& rows);
+
 // Returns the number or the truth value that the text is, or the text.
 Report value_of(const std::string& text);
 

@@ -66,7 +66,6 @@ class Compare : public Command {
   int run_without_last(Console& console);
 
   Case load_case(const std::string& name, std::vector<std::string> paths) const;
-  Mask load_mask(const std::string& path, const std::string& size) const;
   // Leaves the part of the frame that is compared.
   void cut(Frame& frame) const;
   bool is_above_limits(const Planes& planes) const;
@@ -137,17 +136,11 @@ Case Compare::load_case(const std::string& name, std::vector<std::string> paths)
   }
   Case loaded{std::move(frames[0]), std::move(frames[1]), {}, {}};
   if (!reference_.empty()) loaded.clean = std::move(frames[2]);
-  if (!mask_.empty()) loaded.moving = load_mask(file_named(name, mask_), size);
+  if (!mask_.empty()) {
+    loaded.moving = load_mask(file_named(name, mask_), size);
+    if (rect_) loaded.moving = loaded.moving->crop(rect_->x, rect_->y, rect_->width, rect_->height);
+  }
   return loaded;
-}
-
-Mask Compare::load_mask(const std::string& path, const std::string& size) const {
-  const Picture picture = load_picture(path);
-  const std::string mask_size =
-      std::to_string(picture.width) + 'x' + std::to_string(picture.height);
-  if (mask_size != size) throw Error(path + ": a mask has the frames' size, " + size);
-  const Mask mask(picture);
-  return rect_ ? mask.crop(rect_->x, rect_->y, rect_->width, rect_->height) : mask;
 }
 
 bool Compare::is_above_limits(const Planes& planes) const {

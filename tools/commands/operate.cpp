@@ -1,7 +1,5 @@
 #include "tools/commands/operate.h"
 
-#include <algorithm>
-
 #include "tools/error.h"
 
 namespace zavri::tools {
@@ -10,10 +8,8 @@ namespace {
 Report settings_of(Operation& operation) {
   Report values;
   for (const Setting& setting : operation.settings()) {
-    std::string key = setting.name;
-    std::replace(key.begin(), key.end(), '-', '_');
     const std::string text = setting.text();
-    if (!text.empty()) values[key] = value_of(text);
+    if (!text.empty()) values[key_of(setting.name)] = value_of(text);
   }
   return values;
 }

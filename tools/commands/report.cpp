@@ -6,7 +6,6 @@
 #include "tools/command_line.h"
 #include "tools/commands/pages.h"
 #include "tools/error.h"
-#include "tools/images/mask.h"
 #include "tools/log_lines.h"
 #include "tools/report/results_page.h"
 #include "tools/report/run_page.h"
@@ -103,10 +102,7 @@ ReportPage MakeReport::run_page() {
     expect_one_size({frames.front(), *clean});
   }
   std::optional<Mask> mask;
-  if (!mask_.empty()) mask = Mask(load_picture(mask_));
-  if (mask && Size{mask->width(), mask->height()}.text() != frames.front().size()) {
-    throw Error(mask_ + ": a mask has the frames' size, " + frames.front().size());
-  }
+  if (!mask_.empty()) mask = load_mask(mask_, frames.front().size());
   LogKeeper log;
   const Result result = denoise_.run(frames);
   std::vector<std::string> lines = log.take();

@@ -158,4 +158,11 @@ Picture load_picture(const std::string& path) {
   });
 }
 
+Mask load_mask(const std::string& path, const std::string& size) {
+  const Picture picture = load_picture(path);
+  const std::string own = std::to_string(picture.width) + 'x' + std::to_string(picture.height);
+  if (own != size) throw Error(path + ": a mask has the frames' size, " + size);
+  return Mask(picture);
+}
+
 }  // namespace zavri::tools

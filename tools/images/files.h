@@ -7,6 +7,7 @@
 
 #include "tools/images/encode.h"
 #include "tools/images/frame.h"
+#include "tools/images/mask.h"
 #include "tools/images/raw_format.h"
 #include "tools/images/storage.h"
 
@@ -58,5 +59,8 @@ Frame decode_raw(Bytes bytes, const RawFormat& format);
 
 // Loads a picture, or the first frame of a stream, as RGB at its full size.
 Picture load_picture(const std::string& path);
+
+// Loads a picture of a set of pixels; throws unless its size is `size`, such as "4000x3000".
+Mask load_mask(const std::string& path, const std::string& size);
 
 }  // namespace zavri::tools

@@ -68,27 +68,13 @@ std::vector<int> read_weights(const std::string& path) {
   return weights;
 }
 
-// One for each difference below the threshold.
-std::vector<int> weights_of(const Chroma& chroma) {
-  std::vector<int> weights = chroma.weights;
-  if (weights.empty()) {
-    const double sigma = chroma.falloff > 0 ? chroma.falloff : chroma.threshold / 2.0;
-    for (int d = 0; d < chroma.threshold; ++d) {
-      weights.push_back(
-          static_cast<int>(std::lround(kCentreWeight * std::exp(-0.5 * d * d / (sigma * sigma)))));
-    }
-  }
-  weights.resize(static_cast<size_t>(chroma.threshold));
-  return weights;
-}
-
 void check_weights(const Chroma& chroma) {
   if (chroma.weights.empty()) return;
   if (static_cast<int>(chroma.weights.size()) < chroma.threshold) {
     throw Error("--weights: " + std::to_string(chroma.weights.size()) +
                 " numbers, but --threshold " + std::to_string(chroma.threshold) + " takes as many");
   }
-  const std::vector<int> used = weights_of(chroma);
+  const std::vector<int> used = chroma.used_weights();
   const int least = *std::min_element(used.begin(), used.end());
   const int neighbours = window_of(chroma).neighbours;
   if (kCentreWeight + neighbours * least <= 0) {
@@ -165,6 +151,19 @@ void Chroma::check(const Size& size, int frames) const {
               " is too small, they take " + Size{window.least_width, window.safe_height()}.text());
 }
 
+std::vector<int> Chroma::used_weights() const {
+  std::vector<int> used = weights;
+  if (used.empty()) {
+    const double sigma = falloff > 0 ? falloff : threshold / 2.0;
+    for (int d = 0; d < threshold; ++d) {
+      const double share = std::exp(-0.5 * d * d / (sigma * sigma));
+      used.push_back(static_cast<int>(std::lround(kCentreWeight * share)));
+    }
+  }
+  used.resize(static_cast<size_t>(threshold));
+  return used;
+}
+
 Result Chroma::run(const Frames& frames, int runs) const {
   const Frame& frame = frames.front();
   check(size_of(frame), static_cast<int>(frames.size()));
@@ -176,7 +175,7 @@ Result Chroma::run(const Frames& frames, int runs) const {
   param.stride = static_cast<uint32_t>(frame.layout().stride);
   param.kernel_size = static_cast<int8_t>(window.taps);
   param.threshold = static_cast<int8_t>(threshold);
-  const std::vector<int> used = weights_of(*this);
+  const std::vector<int> used = used_weights();
   std::copy(used.begin(), used.end(), param.weight_table);
   if (parallel) start_pool();
 

@@ -51,18 +51,22 @@ bool is_idle(Merge merge, const T_3DYuvDenoiseParam& used) {
   return true;
 }
 
+bool is_of_edges(Merge merge) { return merge == Merge::kEdges || merge == Merge::kEdgesLuma; }
+
+// What the library merges at this gain.
+Merge merge_at_gain(const Denoise& denoise) {
+  return is_of_edges(denoise.merge) && denoise.gain >= kEdgeGainEnd ? Merge::kChroma
+                                                                    : denoise.merge;
+}
+
 // Where the library does less than the settings ask for, or something else.
 std::vector<std::string> remarks_on(const Denoise& denoise, const T_3DYuvDenoiseParam& used,
                                     double megapixels) {
   std::vector<std::string> lines;
-  Merge merge = denoise.merge;
-  const bool needs_low_gain = merge == Merge::kEdges || merge == Merge::kEdgesLuma;
-  if (needs_low_gain && denoise.gain >= kEdgeGainEnd) {
-    merge = Merge::kChroma;
-    if (used.frame_num > 1) {
-      lines.push_back("--gain " + std::to_string(denoise.gain) + ": edges need a gain below " +
-                      std::to_string(kEdgeGainEnd) + "; the chroma of the whole frame was merged");
-    }
+  const Merge merge = merge_at_gain(denoise);
+  if (merge != denoise.merge && used.frame_num > 1) {
+    lines.push_back("--gain " + std::to_string(denoise.gain) + ": edges need a gain below " +
+                    std::to_string(kEdgeGainEnd) + "; the chroma of the whole frame was merged");
   }
   if (is_idle(merge, used)) {
     const char* const what = used.frame_num == 1 ? "smoothed" : "merged";
@@ -149,7 +153,18 @@ Thresholds Denoise::used(const Size& size) const {
   // With no frames the entry derives the thresholds and does nothing else.
   T_3DYuvDenoiseParam param = record_of(*this, size, static_cast<size_t>(size.width), 0);
   expect_accepted(zavri_mp_3D_YUV_denoise(&param));
-  return {param.thresh, param.threshY};
+  return {param.thresh, merge_at_gain(*this) == Merge::kChroma ? 0 : param.threshY};
+}
+
+std::string Denoise::effect(const Size& size) const {
+  const Merge merged = merge_at_gain(*this);
+  const Thresholds thresholds = used(size);
+  // Edges know luma's threshold alone, and nothing but smoothing knows the gain.
+  const int parts[] = {static_cast<int>(merged), is_of_edges(merged) ? 0 : thresholds.chroma,
+                       thresholds.luma, smooth ? gain : -1};
+  std::string text;
+  for (const int part : parts) text += std::to_string(part) + ' ';
+  return text;
 }
 
 void DenoiseRuns::prepare(const Room& room) {

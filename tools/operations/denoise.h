@@ -41,9 +41,12 @@ class Denoise : public Operation {
   // Its figures "thresh" and "thresh_luma" are the thresholds that the library used.
   Result run(const Frames& frames, int runs = 1) const override;
 
-  // As the library tells them for frames of this size; it touches no frame for that. Without a mode
-  // that merges luma, the luma threshold is the request.
+  // As the library tells them for frames of this size; it touches no frame for that. Where no luma
+  // is merged, its threshold is 0.
   Thresholds used(const Size& size) const;
+
+  // What it does to frames of this size, as a text: settings with the same one give the same bytes.
+  std::string effect(const Size& size) const;
 };
 
 // Runs one after the other, with settings that may change, on the same frames, which must outlive

@@ -1,5 +1,6 @@
 #include "tools/operations/setting.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cstdio>
 
@@ -67,6 +68,21 @@ std::optional<std::vector<int>> parse_list(const std::string& text, size_t most,
     numbers.push_back(static_cast<int>(*number));
   }
   return numbers;
+}
+
+std::string key_of(const std::string& setting) {
+  std::string key = setting;
+  std::replace(key.begin(), key.end(), '-', '_');
+  return key;
+}
+
+std::string quoted(const std::string& text) {
+  constexpr char kPlain[] =
+      "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_-+=./:,@%";
+  if (!text.empty() && text.find_first_not_of(kPlain) == std::string::npos) return text;
+  std::string word = "'";
+  for (const char c : text) word += c == '\'' ? "'\\''" : std::string(1, c);
+  return word + '\'';
 }
 
 std::vector<std::string> split(const std::string& text, char separator) {

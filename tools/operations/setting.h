@@ -34,6 +34,12 @@ std::optional<int64_t> parse_whole(const std::string& text, int64_t low, int64_t
 // Reads at most `most` such numbers with commas between them.
 std::optional<std::vector<int>> parse_list(const std::string& text, size_t most, int low, int high);
 
+// The name as a key of reports and rows, such as "thresh_luma".
+std::string key_of(const std::string& setting);
+
+// The text as one word of a shell's command line.
+std::string quoted(const std::string& text);
+
 std::vector<std::string> split(const std::string& text, char separator);
 
 Setting whole_number(const char* name, int& value, int low, int high, const char* what);

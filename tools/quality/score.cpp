@@ -54,24 +54,6 @@ Frame mean_of(const std::vector<Frame>& frames) {
   return mean;
 }
 
-Score mean_of(const std::vector<Score>& scores) {
-  Score mean;
-  for (PlaneScore Score::*plane : {&Score::luma, &Score::chroma}) {
-    int moving = 0;
-    double ghosts = 0;
-    for (const Score& score : scores) {
-      const PlaneScore& part = score.*plane;
-      (mean.*plane).noise_removed += part.noise_removed / static_cast<double>(scores.size());
-      (mean.*plane).texture_psnr += part.texture_psnr / static_cast<double>(scores.size());
-      if (!part.ghost_error) continue;
-      ++moving;
-      ghosts += *part.ghost_error;
-    }
-    if (moving > 0) (mean.*plane).ghost_error = ghosts / moving;
-  }
-  return mean;
-}
-
 // Tells whether all frames differ from the first in a block by no more than their noise. The mean
 // square of 64 differences spreads by sqrt(2 / 64) of its mean; four times that is left to chance.
 class StillTest {
@@ -100,6 +82,24 @@ class StillTest {
 };
 
 }  // namespace
+
+Score mean_of(const std::vector<Score>& scores) {
+  Score mean;
+  for (PlaneScore Score::*plane : {&Score::luma, &Score::chroma}) {
+    int moving = 0;
+    double ghosts = 0;
+    for (const Score& score : scores) {
+      const PlaneScore& part = score.*plane;
+      (mean.*plane).noise_removed += part.noise_removed / static_cast<double>(scores.size());
+      (mean.*plane).texture_psnr += part.texture_psnr / static_cast<double>(scores.size());
+      if (!part.ghost_error) continue;
+      ++moving;
+      ghosts += *part.ghost_error;
+    }
+    if (moving > 0) (mean.*plane).ghost_error = ghosts / moving;
+  }
+  return mean;
+}
 
 Scorer::Scorer(const Frame& clean, const Frame& noisy, const Mask* moving) : target_(clean) {
   Blocks still;

@@ -23,6 +23,9 @@ struct Score {
   PlaneScore chroma;  // of U and V together
 };
 
+// The mean of each number, of ghost errors over those scores that have one.
+Score mean_of(const std::vector<Score>& scores);
+
 // Judges results of one burst. What depends on the burst alone is worked out once, so that a
 // score() of 12 megapixels takes milliseconds; several threads may call it at once.
 class Scorer {

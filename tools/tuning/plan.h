@@ -1,0 +1,45 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "tools/console.h"
+#include "tools/operations/operation.h"
+
+namespace zavri::tools {
+
+// The values, as texts, of one setting of an operation.
+struct Axis {
+  std::string name;  // "thresh-luma"
+  std::vector<std::string> values;
+};
+using Axes = std::vector<Axis>;
+
+// What one point of a sweep sets; other settings keep their defaults.
+using Point = std::vector<std::pair<std::string, std::string>>;
+
+// Options that take lists of values for the settings of both operations that are swept: each adds
+// an axis. Both operations have settings of their own, whose names do not collide.
+Settings axis_settings(Axes& axes);
+
+std::unique_ptr<Operation> operation_at(const std::string& operation, const Point& point);
+
+// {"mode": "whole", "thresh_luma": 20}
+Report row_of(const Point& point);
+
+// " --mode whole --thresh-luma 20", for a shell.
+std::string options_of(const Point& point);
+
+struct Plan {
+  std::vector<Point> points;
+  size_t repeated = 0;  // combinations that are left out
+};
+
+// All combinations of the axes, without those with which the library would do the same, with frames
+// of this size, as with an earlier one. Throws an Error if an axis is no setting of the operation,
+// "denoise" or "chroma", or one of its values does not go with others.
+Plan make_plan(const std::string& operation, const Axes& axes, const Size& size, int frames);
+
+}  // namespace zavri::tools
