@@ -2,11 +2,18 @@
  * very bytes, and writes them.
  *
  *   plain_caller OPERATION WIDTH HEIGHT STRIDE SCANLINES OUT IN...
+ *
+ * Compiled with ZAVRI_TABLES, a file with thresh_table, it denoises the first dump by that at gain
+ * 16.
  */
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
 #include <zavricustpro.h>
+
+#ifdef ZAVRI_TABLES
+#include ZAVRI_TABLES
+#endif
 
 enum { kMostFrames = 4, kSlack = 1 << 20 };
 
@@ -55,6 +62,13 @@ static void denoise(const char* mode, const struct Dumps* dumps) {
   param.uv_offset = (uint32_t)dumps->chroma_at;
   param.thresh = 60;
   param.threshY = 90;
+#ifdef ZAVRI_TABLES
+  param.ref_index = 0;
+  param.gain = 16;
+  param.thresh = 0;
+  param.thresh_table = thresh_table;
+  param.thresh_table_len = sizeof thresh_table / sizeof thresh_table[0];
+#endif
   memcpy(param.frame_y, dumps->frames, sizeof param.frame_y);
   zavri_mp_3D_YUV_denoise(&param);
 }
@@ -152,7 +166,11 @@ static void run(const char* operation, const struct Dumps* dumps, const char* pa
   } else {
     denoise(operation, dumps);
   }
+#ifdef ZAVRI_TABLES
+  write_bytes(path, dumps->frames[0], dumps->bytes);
+#else
   write_bytes(path, dumps->frames[is(operation, "rnr") ? 0 : dumps->count - 1], dumps->bytes);
+#endif
 }
 
 int main(int argc, char** argv) {

@@ -32,6 +32,14 @@ target_compile_definitions(zavri_program_test PRIVATE
   ZAVRI_COMMAND="'$<TARGET_FILE:zavri>'"
   ZAVRI_PLAIN_CALLER="'$<TARGET_FILE:zavri_plain_caller>'")
 add_dependencies(zavri_program_test zavri zavri_plain_caller)
+if(NOT ZAVRI_SANITIZE AND NOT CMAKE_CROSSCOMPILING)
+  # Compiles the plain caller with a table that the program found.
+  string(CONCAT compile_caller "'${CMAKE_C_COMPILER}' -I. '-I${PROJECT_SOURCE_DIR}/include' "
+    "'${CMAKE_CURRENT_SOURCE_DIR}/plain_caller.c' '$<TARGET_FILE:zavricustpro>' "
+    "'-Wl,-rpath,$<TARGET_FILE_DIR:zavricustpro>' -o tuned_caller")
+  target_compile_definitions(zavri_program_test PRIVATE
+    "ZAVRI_COMPILE_CALLER=\"${compile_caller}\"")
+endif()
 if(ZAVRI_SANITIZE MATCHES "thread")
   # Strips at once race for the rows that they share, by design.
   target_compile_definitions(zavri_program_test PRIVATE ZAVRI_WITHOUT_RACES)

@@ -42,6 +42,22 @@ std::vector<Json> rows_in(const std::string& json_lines) {
 
 class Tuning : public Zavri {
  protected:
+  // The frames as a phone's dumps of this layout.
+  void make_padded_dumps() {
+    constexpr size_t kStride = 1664;
+    constexpr size_t kScanlines = 1248;
+    std::filesystem::create_directory(path("dumps"));
+    for (int k = 0; k < 4; ++k) {
+      const std::string name = std::to_string(k);
+      const Frame frame = load_frame(path("moving/frame" + name + "_1632x1232.nv12"), {});
+      Frame padded(1632, 1232, ChromaOrder::kUv,
+                   {kStride, kStride * kScanlines, kStride * kScanlines * 3 / 2});
+      for (int y = 0; y < 1232; ++y) std::copy_n(frame.luma_row(y), 1632, padded.luma_row(y));
+      for (int y = 0; y < 616; ++y) std::copy_n(frame.chroma_row(y), 1632, padded.chroma_row(y));
+      save(padded, path("dumps/" + name + ".yuv"));
+    }
+  }
+
   void make_moving_burst() {
     save(waves(), path("waves.png"));
     done("burst waves.png --sensor-gain 16 --shake 0.5 --object -o moving");
@@ -189,6 +205,71 @@ TEST_F(Tuning, SweepsGoOnAndSpreadOverProcesses) {
   EXPECT_NE(missing.err.find("4 of 6 rows are missing; the first is of zavri sweep"),
             std::string::npos)
       << missing.err;
+}
+
+TEST_F(Tuning, FindsThresholdsThatLeaveNoGhostsAndSaysWhenNothingTells) {
+  make_moving_burst();
+  const Json tuned = json("tune denoise 16=moving -o tables.json --report page.html");
+  EXPECT_EQ(tuned["advice"], "merge chroma alone");
+  const std::vector<Json> by_gain = tuned["by_gain"];
+  ASSERT_EQ(by_gain.size(), 3U);
+  EXPECT_GT(by_gain[2]["worth"], by_gain[1]["worth"]);
+  const auto ghosts = [](const Json& row) {
+    return row["luma_ghost_error"].get<double>() + row["chroma_ghost_error"].get<double>();
+  };
+  EXPECT_LE(ghosts(by_gain[2]), ghosts(by_gain[1]));
+  EXPECT_NE(text_of("page.html").find("Tuning of the multi-frame denoise"), std::string::npos);
+
+  // What was found is what the next denoise does, and what the score was of.
+  const std::string settings = " --gain 16 --mode chroma --thresh-table @tables.json";
+  const Json merged = json("denoise moving/frame* -o out.y4m" + settings);
+  const Json row =
+      json("sweep denoise moving/frame* --reference moving/clean* --mask moving/mask*" +
+           settings)["points"][0];
+  EXPECT_EQ(row["used_thresh"], merged["thresh"]);
+  EXPECT_EQ(row["chroma_noise_removed"], by_gain[2]["chroma_noise_removed"]);
+
+  done("burst waves.png --sensor-gain 16 -o still");
+  done("burst waves.png --sensor-gain 16 -o phone");
+  std::filesystem::remove(path("phone/clean_1632x1232.nv12"));
+  for (const char* burst : {"16=still", "16=phone"}) {
+    const Json still = json(std::string("tune denoise ") + burst);
+    EXPECT_NE(still["advice"].get<std::string>().find("static bursts do not tell"),
+              std::string::npos)
+        << burst;
+    EXPECT_FALSE(still.contains("thresh_table"));
+  }
+}
+
+#ifdef ZAVRI_COMPILE_CALLER
+TEST_F(Tuning, TablesOfPaddedDumpsCompileAndGiveTheProgramsBytes) {
+  make_moving_burst();
+  make_padded_dumps();
+  const std::string layout = " --size 1632x1232 --stride 1664 --scanlines 1248 ";
+  const Json tuned = json("tune denoise 16=dumps -o tables.h" + layout);
+  ASSERT_EQ(tuned["mode"], "chroma") << tuned["advice"];
+  EXPECT_EQ(text_of("tables.h"), tuned["c"]);
+  done("denoise dumps/0.yuv dumps/1.yuv dumps/2.yuv dumps/3.yuv --gain 16 --mode chroma" + layout +
+       "--thresh-table @tables.h -o out.yuv");
+  const Outcome called =
+      run_command("printf '#define ZAVRI_TABLES \"tables.h\"\\n' > with.h && " ZAVRI_COMPILE_CALLER
+                  " -include with.h && ./tuned_caller chroma 1632 1232 1664 1248 called.yuv "
+                  "dumps/0.yuv dumps/1.yuv dumps/2.yuv dumps/3.yuv");
+  ASSERT_EQ(called.status, 0) << called.err;
+  EXPECT_TRUE(text_of("called.yuv") == text_of("out.yuv"));
+  EXPECT_FALSE(text_of("called.yuv") == text_of("dumps/0.yuv"));
+}
+#endif
+
+TEST_F(Tuning, FindsWeightsForTheChromaDenoise) {
+  make_moving_burst();
+  const Json tuned = json("tune chroma 16=moving -o weights.c");
+  ASSERT_EQ(tuned["weight_table"].size(), tuned["threshold"].get<size_t>()) << tuned["advice"];
+  const Json row = json("sweep chroma moving/frame* --reference moving/clean* --mask moving/mask*" +
+                        (" --weights weights.c --taps " + tuned["taps"].dump()) + " --threshold " +
+                        tuned["threshold"].dump())["points"][0];
+  EXPECT_EQ(row["chroma_noise_removed"], tuned["by_gain"][2]["chroma_noise_removed"]);
+  EXPECT_GT(tuned["by_gain"][2]["worth"], tuned["by_gain"][1]["worth"]);
 }
 
 }  // namespace

@@ -6,7 +6,7 @@
 #include "tools/command_line.h"
 #include "tools/commands/pages.h"
 #include "tools/error.h"
-#include "tools/tuning/sweep_page.h"
+#include "tools/report/results_page.h"
 
 namespace zavri::tools {
 namespace {
@@ -24,7 +24,7 @@ class Sweep : public Command {
   int print_plan() const;
   std::vector<Report> collect() const;
   std::vector<Report> run_here(Console& console);
-  // The command line that makes the row of one point.
+  // Returns the command line that makes the row of one point.
   std::string line_of(const Point& point) const;
 
   std::string operation_;
@@ -111,7 +111,7 @@ int Sweep::print_plan() const {
   return kDone;
 }
 
-// Of an output that is there already.
+// Reads the rows of an output that is there already.
 std::vector<Report> Sweep::known_rows(const Console& console) const {
   const bool is_there = !output_.empty() && output_ != "-" && std::filesystem::exists(output_);
   if (!is_there || console.force) return std::vector<Report>(plan_.points.size());
@@ -160,7 +160,7 @@ int Sweep::run(Console& console) {
     check_file(output_, true);
   }
   if (output_ == "-") console.give_stdout_away();
-  if (!report_.empty()) prepare_output(report_, console, check_file);
+  if (!report_.empty()) prepare_page(report_, console);
   load();
   if (plan_only_) return print_plan();
   std::vector<Report> rows = collected_.empty() ? run_here(console) : collect();
@@ -171,11 +171,13 @@ int Sweep::run(Console& console) {
   }
   Report report{{"operation", operation_}, {"size", frames_.front().size()}};
   if (!output_.empty()) report["output"] = output_;
+  report["points"] = rows;
   if (!report_.empty()) {
-    write_page(page_of_sweep(operation_, plan_, rows), report_, console);
+    ReportPage page = page_of(report);
+    page.title = "Sweep of zavri " + operation_;
+    write_page(page, report_, console);
     report["report"] = report_;
   }
-  report["points"] = rows;
   console.print(report);
   return kDone;
 }

@@ -20,7 +20,7 @@ class Chroma : public Operation {
   void check(const Size& size, int frames) const override;
   Result run(const Frames& frames, int runs = 1) const override;
 
-  // One for each difference below the threshold.
+  // Returns a weight for each difference below the threshold.
   std::vector<int> used_weights() const;
 
  private:

@@ -8,8 +8,8 @@ namespace zavri::tools {
 // Says what the multi-frame denoise merges, as the record's switches choose it.
 enum class Merge { kWhole, kEdges, kEdgesLuma, kChroma };
 
-// The thresholds that the library works with: what it makes of requests, curves, the gain and the
-// size of the frames.
+// Holds the thresholds that the library works with: what it makes of requests, curves, the gain and
+// the size of the frames.
 struct Thresholds {
   int chroma = 0;
   int luma = 0;
@@ -41,11 +41,12 @@ class Denoise : public Operation {
   // Its figures "thresh" and "thresh_luma" are the thresholds that the library used.
   Result run(const Frames& frames, int runs = 1) const override;
 
-  // As the library tells them for frames of this size; it touches no frame for that. Where no luma
-  // is merged, its threshold is 0.
+  // Asks the library for the thresholds that it uses with frames of this size. Where no luma is
+  // merged, its threshold is 0.
   Thresholds used(const Size& size) const;
 
-  // What it does to frames of this size, as a text: settings with the same one give the same bytes.
+  // Tells what it does to frames of this size: settings with the same text give the same
+  // bytes.
   std::string effect(const Size& size) const;
 };
 
@@ -60,7 +61,7 @@ class DenoiseRuns {
   const Frame& merged() const { return copies_[worked_]; }
 
  private:
-  // Copies with room for these settings.
+  // Makes copies with this room, unless those that there are have it.
   void prepare(const Room& room);
 
   const Frames& frames_;

@@ -34,10 +34,10 @@ std::optional<int64_t> parse_whole(const std::string& text, int64_t low, int64_t
 // Reads at most `most` such numbers with commas between them.
 std::optional<std::vector<int>> parse_list(const std::string& text, size_t most, int low, int high);
 
-// The name as a key of reports and rows, such as "thresh_luma".
+// Makes a key of reports and rows of a name, such as "thresh_luma".
 std::string key_of(const std::string& setting);
 
-// The text as one word of a shell's command line.
+// Makes one word of a shell's command line of a text.
 std::string quoted(const std::string& text);
 
 std::vector<std::string> split(const std::string& text, char separator);

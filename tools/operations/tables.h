@@ -8,16 +8,16 @@
 #include "tools/console.h"
 #include "tools/operations/setting.h"
 
-// Tables that the library's records take, and their forms as text.
+// These are the tables that the library's records take, and their forms as text.
 namespace zavri::tools {
 
-// Thresholds over the sensor gain, which ascends.
+// A curve has thresholds over the sensor gain, which ascends.
 using Curve = std::vector<T_GainThreshPoint>;
 
-// "10:0,11:6"
+// Writes a curve as "10:0,11:6".
 std::string text_of(const Curve& curve);
 
-// What a table is called in files.
+// Says what a table is called in files.
 struct TableName {
   const char* json;
   const char* c;
@@ -29,14 +29,14 @@ constexpr TableName kWeightTable{"weight_table", "weight_table"};
 // Takes "10:0,11:6", or "@FILE" with the table of that name in JSON or C.
 Setting curve_setting(const char* option, Curve& curve, const TableName& name, const char* what);
 
-// [[10, 0], [11, 6]]
+// Writes a curve as [[10, 0], [11, 6]].
 Report json_of(const Curve& curve);
 
-// What a C source has behind the "=" of an array's definition: "{{10, 0}, {11, 6}}".
+// Returns what a C source has behind the "=" of an array's definition: "{{10, 0}, {11, 6}}".
 std::string c_initialiser(const Report& list);
 
-// The table of that name in the text, which is a JSON object, the list itself in JSON, or C with a
-// definition such as "name[] = {{10, 0}, {11, 6}};". Null when there is none.
+// Finds the table of that name in the text, which is a JSON object, the list itself in JSON, or C
+// with a definition such as "name[] = {{10, 0}, {11, 6}};". Null when there is none.
 Report list_in(const std::string& text, const TableName& name);
 
 }  // namespace zavri::tools

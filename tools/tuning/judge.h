@@ -11,7 +11,7 @@
 
 namespace zavri::tools {
 
-// What one run made of a burst.
+// Tells what one run made of a burst.
 struct Verdict {
   Score score;
   double seconds = 0;                    // in the library
@@ -24,21 +24,21 @@ class Judge {
  public:
   // Scores by the clean frame. Operations work on the first frame.
   Judge(Frames frames, const Frame& clean, const Mask* moving);
-  // Without one: leaves each frame out in turn.
+  // Scores by leaving each frame out in turn.
   explicit Judge(const Frames& frames);
 
   // Operations that take a single frame get the first one. Throws an Error as their check() does.
   Verdict judge(const Operation& operation);
 
-  // The score of the noisy frame.
+  // Returns the score of the noisy frame.
   const Score& before() const { return before_; }
   Size size() const { return size_of(cases_.front()->frames.front()); }
-  // Whether a part of the frames is known to move, so that ghosts can be told. Without a mask, what
-  // differs by more than the noise in a few blocks may still be chance.
+  // Tells whether a part of the frames is known to move, so that ghosts can be told. Without a
+  // mask, what differs by more than the noise in a few blocks may still be chance.
   bool moves() const { return moving_share_ > (by_clean_frame_ ? 0 : 0.005); }
 
  private:
-  // One result that is scored; its members refer to each other.
+  // A case gives one result that is scored; its members refer to each other.
   struct Case {
     Case(Frames merged, Scorer judged_by)
         : frames(std::move(merged)), scorer(std::move(judged_by)), runs(frames) {}
@@ -54,7 +54,7 @@ class Judge {
   double moving_share_ = 0;
 };
 
-// Tells bursts apart by their bytes.
+// Returns a text that tells bursts apart by their bytes.
 std::string digest_of(const Frames& frames);
 
 }  // namespace zavri::tools

@@ -27,7 +27,8 @@ bool is_curve(const std::string& name) {
   return name == "thresh-table" || name == "thresh-luma-table";
 }
 
-// "4:20:8" as 4, 12 and 20; the step is 1 unless there is one. Nothing if it is no such range.
+// Reads "4:20:8" as 4, 12 and 20; the step is 1 unless there is one. Returns nothing for a text
+// that is no such range.
 std::vector<std::string> range(const std::string& text) {
   std::vector<int64_t> numbers;
   for (const std::string& part : split(text, ':')) {
@@ -70,17 +71,8 @@ const Setting& setting_named(const Settings& settings, const std::string& name) 
   return *setting;
 }
 
-// What the operation does, as far as it depends on its settings.
-std::string effect_of(Operation& operation, const Size& size) {
-  if (const auto* const denoise = dynamic_cast<const Denoise*>(&operation)) {
-    return denoise->effect(size);
-  }
-  std::string effect;
-  for (const Setting& setting : operation.settings()) effect += setting.text() + '\n';
-  return effect;
-}
-
-// The next combination of indices, the last axis first; false after the last one.
+// Goes on to the next combination of indices, the last axis first; returns false after the last
+// one.
 bool advance(std::vector<size_t>& at, const Axes& axes) {
   for (size_t k = axes.size(); k-- > 0;) {
     if (++at[k] < axes[k].values.size()) return true;
@@ -131,6 +123,15 @@ std::string options_of(const Point& point) {
   std::string options;
   for (const auto& [name, text] : point) options += " --" + name + ' ' + quoted(text);
   return options;
+}
+
+std::string effect_of(Operation& operation, const Size& size) {
+  if (const auto* const denoise = dynamic_cast<const Denoise*>(&operation)) {
+    return denoise->effect(size);
+  }
+  std::string effect;
+  for (const Setting& setting : operation.settings()) effect += setting.text() + '\n';
+  return effect;
 }
 
 Plan make_plan(const std::string& operation, const Axes& axes, const Size& size, int frames) {

@@ -6,8 +6,8 @@
 
 namespace zavri::tools {
 
-// One line on a terminal that tells how far long work is and how long it will still take. Where
-// stderr is no terminal, or is not wanted, there is none.
+// Tells on one line of a terminal how far long work is and how long it will still take. Where
+// stderr is no terminal, or is not wanted, there is no line.
 class Progress {
  public:
   Progress(std::string what, size_t total, bool wanted);
@@ -15,7 +15,7 @@ class Progress {
   Progress(const Progress&) = delete;
   Progress& operator=(const Progress&) = delete;
 
-  // So many more of the total are done.
+  // Counts so many more of the total as done.
   void step(size_t count = 1);
 
  private:

@@ -11,7 +11,7 @@
 namespace zavri::tools {
 namespace {
 
-// The cells of a line that csv_text() made.
+// Reads the cells of a line that csv_text() made.
 std::vector<std::string> csv_cells(const std::string& line) {
   std::vector<std::string> cells(1);
   bool quoted = false;

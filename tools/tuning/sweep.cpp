@@ -15,7 +15,7 @@ Report settings_row(const std::string& burst, const Point& point) {
   return row;
 }
 
-// What stands in front of the results: the burst and the settings.
+// Returns what stands in front of the results: the burst and the settings.
 std::string settings_in(const Report& row) {
   Report settings = Report::object();
   for (const auto& item : row.items()) {

@@ -7,7 +7,8 @@ namespace {
 
 constexpr int kMostRequest = 100;
 
-// A row for each range within [first, last] in which used(x, size) is the same for every size.
+// Makes a row for each range within [first, last] in which used(x, size) is the same for every
+// size.
 Report table(const std::string& name, int first, int last, const std::vector<Size>& sizes,
              const std::function<int(int, const Size&)>& used) {
   Report rows = Report::array();
