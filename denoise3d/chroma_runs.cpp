@@ -85,8 +85,9 @@ ZAVRI_INLINE void fill_two(uint8_t* to, size_t bytes, U8 pairs) {
 // overlap where a vector or word does not divide `bytes`, so that none reaches beyond.
 ZAVRI_INLINE void fill(uint8_t* to, size_t bytes, U8 pairs) {
   if (bytes >= kVectorBytes) {
-    for (size_t i = 0; i + kVectorBytes <= bytes; i += kVectorBytes) store(to + i, pairs);
-    store(to + bytes - kVectorBytes, pairs);
+    uint8_t* const last = to + bytes - kVectorBytes;
+    for (; bytes >= kVectorBytes; bytes -= kVectorBytes) store_next(&to, pairs);
+    store(last, pairs);
   } else if (bytes >= 16) {
     fill_two<uint8_t[16]>(to, bytes, pairs);
   } else if (bytes >= 8) {
@@ -207,7 +208,10 @@ void smooth_column_block(uint8_t* top, size_t rows, size_t stride) {
       uint8_t* const at = row + i * kVectorBytes;
       const U8 below = load(at + stride);
       const U8 close = close_to(below, runs[i].anchor);
-      if (!all_set(close)) store(at, select(close, load(at), runs[i].mean()));
+      // Compilers would begin with the means of an expected break before it is known.
+      if (__builtin_expect(!all_set(close), false)) {
+        store(at, select(close, load(at), runs[i].mean()));
+      }
       goes_on[r][i] = close;
       runs[i].add(below, close);
     }
@@ -217,11 +221,11 @@ void smooth_column_block(uint8_t* top, size_t rows, size_t stride) {
     current[i] = runs[i].mean();
     store(row + i * kVectorBytes, current[i]);
   }
-  for (size_t r = rows - 1; r-- > 0;) {
+  for (size_t r = rows - 1; r > 0; --r) {
     row -= stride;
     for (size_t i = 0; i < kVectors; ++i) {
       uint8_t* const at = row + i * kVectorBytes;
-      current[i] = select(goes_on[r][i], current[i], load(at));
+      current[i] = select(goes_on[r - 1][i], current[i], load(at));
       store(at, current[i]);
     }
   }

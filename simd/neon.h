@@ -280,27 +280,32 @@ class ByteSums {
   U32 sums_{};
 };
 
+// The sum of the even bytes is that of the pairs as numbers of 16 bits less 256 times that of the
+// odd ones. As it is below 2^32 it comes out right where those wrap.
 class PairSums {
  public:
   ZAVRI_INLINE void add(U8 v) {
-    even_ = (U32)vpadalq_u16((uint32x4_t)even_, (uint16x8_t)((U16)v & 0xff));
+    pairs_ = (U32)vpadalq_u16((uint32x4_t)pairs_, (uint16x8_t)v);
     odd_ = (U32)vpadalq_u16((uint32x4_t)odd_, (uint16x8_t)((U16)v >> 8));
   }
 
   ZAVRI_INLINE PairTotals totals() const {
 #ifdef __aarch64__
-    return {vaddvq_u32((uint32x4_t)even_), vaddvq_u32((uint32x4_t)odd_)};
+    const uint32_t pairs = vaddvq_u32((uint32x4_t)pairs_);
+    const uint32_t odd = vaddvq_u32((uint32x4_t)odd_);
 #else
     const auto halves = [](U32 sums) {
       return vpadd_u32(vget_low_u32((uint32x4_t)sums), vget_high_u32((uint32x4_t)sums));
     };
-    const uint32x2_t both = vpadd_u32(halves(even_), halves(odd_));
-    return {vget_lane_u32(both, 0), vget_lane_u32(both, 1)};
+    const uint32x2_t both = vpadd_u32(halves(pairs_), halves(odd_));
+    const uint32_t pairs = vget_lane_u32(both, 0);
+    const uint32_t odd = vget_lane_u32(both, 1);
 #endif
+    return {pairs - (odd << 8), odd};
   }
 
  private:
-  U32 even_{};
+  U32 pairs_{};
   U32 odd_{};
 };
 
