@@ -23,7 +23,7 @@ cd "$folder"
 "$zavri" burst photo.png --object -o burst
 "$zavri" report burst --thresh 90 --thresh-luma 90 -o truth.html
 "$zavri" report burst/frame?_*.nv12 --thresh 90 --thresh-luma 90 -o dumps.html
-"$zavri" noise burst/frame?_*.nv12 --plot noise.html
+"$zavri" noise burst/frame?_*.nv12 --report noise.html
 cat >rows.jsonl <<'END'
 {"mode": "whole", "thresh": 8, "luma_noise_removed": 2.5, "luma_texture_psnr": 33.1}
 {"mode": "whole", "thresh": 16, "luma_noise_removed": 5.5, "luma_texture_psnr": 30.1}

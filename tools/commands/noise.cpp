@@ -20,12 +20,12 @@ class Noise : public Command {
   void declare(Options& options) override {
     input_.declare(options, "frames of a still scene, or one frame with flat parts");
     options.add({word("o", output_, "FILE", "the fit as a profile for zavri burst --profile"),
-                 word("plot", plot_, "PAGE.html", "a page with a plot of it")});
+                 word("report", report_, "HTML", "a page with a plot of it")});
   }
 
   int run(Console& console) override {
     if (!output_.empty()) prepare_output(output_, console, check_file);
-    if (!plot_.empty()) prepare_page(plot_, console);
+    if (!report_.empty()) prepare_page(report_, console);
     constexpr int kMostFrames = 64;
     const std::vector<Frame> frames = load_frames(input_.paths, input_.options, kMostFrames);
     const NoiseFit fit = fit_noise(frames);
@@ -42,7 +42,7 @@ class Noise : public Command {
       }
       remark(kPlaneNames[i], fit[i], console);
     }
-    if (!plot_.empty()) write_plot(fit, planes, console);
+    if (!report_.empty()) write_report(fit, planes, console);
     Report report{
         {"frames", frames.size()}, {"variances_at_levels", kShownLevels}, {"planes", planes}};
     // The list is too long for people.
@@ -91,17 +91,17 @@ class Noise : public Command {
     }
   }
 
-  void write_plot(const NoiseFit& fit, const Report& planes, const Console& console) const {
+  void write_report(const NoiseFit& fit, const Report& planes, const Console& console) const {
     ReportPage page = page_of(Report{{"planes", planes}});
     page.title = "Noise of " + std::to_string(input_.paths.size()) +
                  (input_.paths.size() == 1 ? " file" : " files");
     page.plots = {fitted_noise(fit)};
-    write_page(page, plot_, console);
+    write_page(page, report_, console);
   }
 
   Input input_;
   std::string output_;
-  std::string plot_;
+  std::string report_;
 };
 
 Noise g_noise("noise", "fit the variance of noise against the level, a * level + b",
