@@ -5,6 +5,7 @@
 namespace zavri::testing {
 namespace {
 
+// Under an emulator or a sanitizer few weights are tried, both ends among them.
 #if defined(__x86_64__) && defined(NDEBUG) && !defined(__SANITIZE_ADDRESS__) && \
     !defined(__SANITIZE_THREAD__)
 constexpr int kStep = 1;
