@@ -206,17 +206,6 @@ TEST(Compose, TheOutputMayOverlapTheSources) {
   }
 }
 
-TEST(Compose, WithoutMemoryTheOutputStaysAndTheCallSucceeds) {
-  Random random(5);
-  Frames frames(random, 64, 16, 8);
-  const Bytes before = frames.output;
-  take_log();
-  const WatchAllocations fail(WatchAllocations::Outcome::kFail);
-  EXPECT_EQ(zavri_mp_compose_two_same_frame(&frames.param), 0u);
-  EXPECT_EQ(frames.output, before);
-  EXPECT_EQ(take_log(), done_lines(64, 16));
-}
-
 TEST(Compose, RefusesNullPointersAndEmptyFrames) {
   Random random(6);
   Frames frames(random, 16, 8, 0);

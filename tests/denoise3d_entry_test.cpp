@@ -7,7 +7,7 @@
 #include "interface/heavy_operation.h"
 #include "platform/log.h"
 #include "tests/support/log_capture.h"
-#include "tests/support/thread_faults.h"
+#include "tests/support/system_faults.h"
 
 namespace zavri::testing {
 namespace {
@@ -171,20 +171,6 @@ TEST_F(Denoise3dEntryPool, LogsAndLocksInOrder) {
   expected[2] = entry("zavri-mp, height:3000, width:4000, gain:20, thresh:10, threshY:34, num:9");
   zavri_mp_3D_YUV_denoise(&param);
   EXPECT_EQ(take_log(), expected);
-}
-
-TEST_F(Denoise3dEntryPool, GoesAheadOnAHalfStartedPool) {
-  T_3DYuvDenoiseParam param = without_frames(24, 20);
-  {
-    const FailPthread fail(PthreadCall::kCreate, 2, 11);
-    EXPECT_EQ(zavri_mp_3D_YUV_denoise(&param), 0u);
-  }
-  EXPECT_EQ(take_log().back().text, "zavri-mp 3dyuv end");
-  ThreadPool* const half = g_threadpool;
-  EXPECT_EQ(half->threads.size(), 1u);
-  zavri_mp_3D_YUV_denoise(&param);
-  EXPECT_NE(g_threadpool, half);
-  delete half;
 }
 
 }  // namespace

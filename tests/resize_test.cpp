@@ -12,7 +12,7 @@
 #include "tests/support/log_capture.h"
 #include "tests/support/samples.h"
 #include "tests/support/scaler_calls.h"
-#include "tests/support/thread_faults.h"
+#include "tests/support/system_faults.h"
 #include "tests/support/use_build.h"
 
 namespace zavri::testing {

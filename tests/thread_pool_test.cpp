@@ -8,7 +8,7 @@
 #include "include/zavricustpro.h"
 #include "platform/log.h"
 #include "tests/support/log_capture.h"
-#include "tests/support/thread_faults.h"
+#include "tests/support/system_faults.h"
 
 namespace zavri::testing {
 namespace {
@@ -74,7 +74,7 @@ TEST_F(ProcessPool, LeavesAHalfStartedPoolAndReplacesItNextTime) {
   for (int failing = 1; failing <= 4; ++failing) {
     SCOPED_TRACE(failing);
     {
-      const FailPthread fail(PthreadCall::kCreate, failing, 11);
+      const FailCall fail(SystemCall::kCreate, failing, 11);
       EXPECT_EQ(HALThreadPoolInit(), -1);
     }
     EXPECT_EQ(take_log(), pool_lines({kConstructed, "pthread_create() failed: 11.",
@@ -103,9 +103,9 @@ TEST(ThreadPool, JoinFailureShowsTheTextOfErrno) {
   ThreadPool pool(3);
   ASSERT_EQ(pool.initialize_threadpool(), 0);
   take_log();
-  const FailPthread fail(PthreadCall::kJoin, 2, 3);
+  const FailCall fail(SystemCall::kJoin, 2, 3);
   EXPECT_EQ(pool.destroy_threadpool(), 0);
-  const std::string text = strerror(FailPthread::kErrnoAfterFailure);
+  const std::string text = strerror(FailCall::kErrnoAfterFailure);
   EXPECT_EQ(take_log(), pool_lines({kStopping, "pthread_join() returned 3: " + text,
                                     "3 threads exited from the thread pool"}));
 }
@@ -224,17 +224,17 @@ TEST(FanOut, LogsFailuresOfItsLockAndGoesOn) {
   ThreadPool pool(2);
   ASSERT_EQ(pool.initialize_threadpool(), 0);
   constexpr struct {
-    PthreadCall call;
+    SystemCall call;
     const char* text;
   } kFailures[] = {
-      {PthreadCall::kMutexInit, "##### Failed to initialize worker_lock!"},
-      {PthreadCall::kCondInit, "##### Failed to initialize worker_cond!"},
-      {PthreadCall::kMutexDestroy, "##### Failed to destroy worker_lock!"},
-      {PthreadCall::kCondDestroy, "##### Failed to destroy worker_cond!"},
+      {SystemCall::kMutexInit, "##### Failed to initialize worker_lock!"},
+      {SystemCall::kCondInit, "##### Failed to initialize worker_cond!"},
+      {SystemCall::kMutexDestroy, "##### Failed to destroy worker_lock!"},
+      {SystemCall::kCondDestroy, "##### Failed to destroy worker_cond!"},
   };
   for (const auto& failure : kFailures) {
     take_log();
-    const FailPthread fail(failure.call, 1, 16);
+    const FailCall fail(failure.call, 1, 16);
     expect_each_runs_once(&pool, 3);
     EXPECT_EQ(take_log(), pool_lines({failure.text}));
   }

@@ -42,7 +42,8 @@ extern ZAVRI_EXPORT int32_t g_hal_threadpool_init;
  * Returns 0, or -1 when a thread could not be created. The pool then stays with the threads that it
  * got, and a heavy operation works its strips on those; with none it waits forever and holds the
  * processing lock, so that all later heavy operations wait too. Until one call succeeds, each
- * builds a fresh pool and never frees the one before.
+ * builds a fresh pool and never frees the one before. A host that must never wait calls this
+ * function once when it opens the camera, and no heavy operation after a result of -1.
  *
  * When there is no memory for the pool, or for the tasks of a fan-out, the process is aborted. */
 ZAVRI_EXPORT int HALThreadPoolInit(void);

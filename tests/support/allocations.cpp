@@ -4,6 +4,8 @@
 #include <cstring>
 #include <new>
 
+#include "tests/support/system_faults.h"
+
 namespace zavri::testing {
 namespace {
 
@@ -11,22 +13,19 @@ WatchAllocations* g_watch = nullptr;
 
 // Records a request, and tells whether it is to fail.
 bool refused(size_t size) {
-  if (g_watch == nullptr) return false;
-  g_watch->sizes.push_back(size);
-  return g_watch->outcome == WatchAllocations::Outcome::kFail;
+  if (g_watch != nullptr) g_watch->sizes.push_back(size);
+  return fails(SystemCall::kMalloc);
 }
 
 }  // namespace
 
-WatchAllocations::WatchAllocations(Outcome wanted) : outcome(wanted) { g_watch = this; }
+WatchAllocations::WatchAllocations() { g_watch = this; }
 
 WatchAllocations::~WatchAllocations() { g_watch = nullptr; }
 
 }  // namespace zavri::testing
 
-using zavri::testing::g_watch;
-using zavri::testing::refused;
-using zavri::testing::WatchAllocations;
+using namespace zavri::testing;
 
 extern "C" {
 void* __real_malloc(size_t);
@@ -54,7 +53,7 @@ void __wrap_free(void* pointer) {
 // These operators stand in for those of a C++ library that is linked statically, which would call
 // the wrapped functions for containers, too.
 void* operator new(size_t size) {
-  void* const block = __real_malloc(size != 0 ? size : 1);
+  void* const block = fails(SystemCall::kNew) ? nullptr : __real_malloc(size != 0 ? size : 1);
   if (block == nullptr) abort();
   return block;
 }

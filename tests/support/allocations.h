@@ -12,16 +12,13 @@ class WatchAllocations {
  public:
   static constexpr unsigned char kFill = 0x5c;  // fills the blocks that are handed out
 
-  enum class Outcome { kSucceed, kFail };
-
-  explicit WatchAllocations(Outcome outcome = Outcome::kSucceed);
+  WatchAllocations();
   ~WatchAllocations();
   WatchAllocations(const WatchAllocations&) = delete;
   WatchAllocations& operator=(const WatchAllocations&) = delete;
 
   std::vector<size_t> sizes;  // lists what was asked for, in order
   size_t freed = 0;           // counts the calls of free whose pointer is not null
-  const Outcome outcome;
 };
 
 }  // namespace zavri::testing

@@ -3,16 +3,18 @@
 #include <mutex>
 #include <utility>
 
+#include "tests/support/system_faults.h"
+
 namespace zavri::testing {
 namespace {
 
-std::mutex g_mutex;
+SpinLock g_mutex;
 std::vector<GaussianCall> g_calls;
 
 }  // namespace
 
 std::vector<GaussianCall> take_gaussian_calls() {
-  const std::lock_guard<std::mutex> lock(g_mutex);
+  const std::lock_guard<SpinLock> lock(g_mutex);
   return std::exchange(g_calls, {});
 }
 
@@ -26,7 +28,7 @@ void __real_fcvFilterGaussian5x5u8(const uint8_t* src, uint32_t w, uint32_t h, u
 void __wrap_fcvFilterGaussian5x5u8(const uint8_t* src, uint32_t w, uint32_t h, uint8_t* dst,
                                    int blur_border) {
   {
-    const std::lock_guard<std::mutex> lock(zavri::testing::g_mutex);
+    const std::lock_guard<zavri::testing::SpinLock> lock(zavri::testing::g_mutex);
     zavri::testing::g_calls.push_back({src, w, h, dst, blur_border});
   }
   __real_fcvFilterGaussian5x5u8(src, w, h, dst, blur_border);

@@ -5,14 +5,16 @@
 #include <tuple>
 #include <utility>
 
+#include "tests/support/system_faults.h"
+
 namespace zavri::testing {
 namespace {
 
-std::mutex g_mutex;
+SpinLock g_mutex;
 std::vector<ScalerCall> g_calls;
 
 void record(ScalerCall call) {
-  const std::lock_guard<std::mutex> lock(g_mutex);
+  const std::lock_guard<SpinLock> lock(g_mutex);
   call.thread = std::this_thread::get_id();
   call.first = call.src_height > 0 ? call.src[0] : 0;
   g_calls.push_back(call);
@@ -37,7 +39,7 @@ std::ostream& operator<<(std::ostream& out, const ScalerCall& c) {
 }
 
 std::vector<ScalerCall> take_scaler_calls() {
-  const std::lock_guard<std::mutex> lock(g_mutex);
+  const std::lock_guard<SpinLock> lock(g_mutex);
   return std::exchange(g_calls, {});
 }
 
