@@ -2,7 +2,6 @@
 
 #include <cstring>
 
-#include "compose/decimate.h"
 #include "include/zavricustpro.h"
 #include "tests/support/allocations.h"
 #include "tests/support/log_capture.h"
@@ -21,32 +20,6 @@ std::vector<LogLine> done_lines(int width, int height) {
            "KADRO::compose begin, width=" + std::to_string(width) +
                ", height=" + std::to_string(height)},
           {2, "Defog", "KADRO::compose end"}};
-}
-
-// Tries every start and length about the vector lengths, and every distance at which rows overlap.
-TEST(Decimate, EveryBuildEqualsThePlainRule) {
-  constexpr size_t kLongest = 3 * 32 + 2;
-  Random random(1);
-  const DecimateKernels& plain = decimate_kernels(Build::kPlain);
-  for (size_t bytes = 0; bytes <= kLongest; bytes += 2) {
-    for (size_t to = 0; to < 4 * kLongest; to += 1 + random() % 3) {
-      const Bytes before = samples(random, Style::kUniform, 6 * kLongest);
-      const size_t from = kLongest + random() % 32;
-      Bytes luma = before;
-      Bytes chroma = before;
-      plain.luma(luma.data() + to, luma.data() + from, bytes);
-      plain.chroma(chroma.data() + to, chroma.data() + from, bytes);
-      for (const Build build : builds_here()) {
-        const DecimateKernels& kernels = decimate_kernels(build);
-        Bytes actual = before;
-        kernels.luma(actual.data() + to, actual.data() + from, bytes);
-        ASSERT_TRUE(actual == luma) << build_name(build) << " luma " << bytes << " to " << to;
-        actual = before;
-        kernels.chroma(actual.data() + to, actual.data() + from, bytes);
-        ASSERT_TRUE(actual == chroma) << build_name(build) << " chroma " << bytes << " to " << to;
-      }
-    }
-  }
 }
 
 // Draws the picture sample by sample, with positions that run on from row to row.

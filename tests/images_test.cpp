@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 
 #include "tests/support/folder.h"
 #include "tests/support/pictures.h"
@@ -83,6 +84,17 @@ TEST_F(Images, OnePictureIsTheSameInEveryFormat) {
     SCOPED_TRACE(name);
     save(picture, path(name));
     expect_near(load_frame(path(name), {}), expected, 38);
+  }
+  // Readers go by the bytes, not by the name.
+  for (const auto& [name, first] : {std::pair("a.png", "\x89PNG"),
+                                    {"a.jpg", "\xff\xd8"},
+                                    {"a.webp", "RIFF"},
+                                    {"a.PPM", "P6"},
+                                    {"a.bmp", "BM"},
+                                    {"a.tif", "II*"},
+                                    {"a.y4m", "YUV4MPEG2"}}) {
+    const Bytes bytes = read_file(path(name));
+    EXPECT_EQ(std::string(bytes.begin(), bytes.begin() + strlen(first)), first) << name;
   }
 
   struct {

@@ -7,7 +7,6 @@
 
 #include "include/zavricustpro.h"
 #include "interface/heavy_operation.h"
-#include "resize/chroma_channels.h"
 #include "tests/support/allocations.h"
 #include "tests/support/log_capture.h"
 #include "tests/support/samples.h"
@@ -229,40 +228,6 @@ TEST(ResizeStrip, ScratchIsFourBlocksEvenForAnEmptyStrip) {
     EXPECT_EQ(watch.sizes, (std::vector<size_t>{of_source, of_source, of_target, of_target}));
     EXPECT_EQ(watch.freed, 4u);
     EXPECT_EQ(take_scaler_calls().size(), 3u);
-  }
-}
-
-TEST(ChromaChannels, EveryBuildEqualsThePlainLoop) {
-  Random random(1);
-  constexpr size_t kMost = 3 * 32 + 1;
-  constexpr size_t kRoom = kMost + 3;
-  for (size_t pairs = 0; pairs <= kMost; ++pairs) {
-    for (int round = 0; round < 8; ++round) {
-      // The planes are apart in the first rounds, then anywhere, overlapping in every way.
-      size_t at[3] = {random() % 3, 2 * kRoom + random() % 3, 3 * kRoom + random() % 3};
-      if (round >= 4) {
-        for (size_t& offset : at) offset = random() % (2 * kRoom);
-      }
-      const std::vector<uint8_t> before = samples(random, Style::kUniform, 4 * kRoom);
-      const auto run = [&](Build build, bool split) {
-        std::vector<uint8_t> bytes = before;
-        uint8_t* const p = bytes.data();
-        if (split) {
-          channel_kernels(build).split(p + at[0], pairs, p + at[1], p + at[2]);
-        } else {
-          channel_kernels(build).merge(p + at[1], p + at[2], pairs, p + at[0]);
-        }
-        return bytes;
-      };
-      for (const bool split : {true, false}) {
-        const std::vector<uint8_t> expected = run(Build::kPlain, split);
-        for (const Build build : builds_here()) {
-          EXPECT_EQ(run(build, split), expected)
-              << build_name(build) << (split ? " split " : " merge ") << pairs << " at " << at[0]
-              << ' ' << at[1] << ' ' << at[2];
-        }
-      }
-    }
   }
 }
 

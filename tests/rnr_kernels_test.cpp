@@ -10,7 +10,6 @@ namespace {
 
 using Bytes = std::vector<uint8_t>;
 
-constexpr size_t kLongestRow = 3 * 32 + 1;
 constexpr size_t kGuard = 40;
 
 // Holds the weights of one build, with what lies around them.
@@ -20,32 +19,6 @@ std::pair<Bytes, Bytes> weights(Build build, size_t count, int32_t dx, int32_t d
   Bytes keep(count + 2 * kGuard, 0x5a);
   weigh_kernel(build)(blur.data() + kGuard, keep.data() + kGuard, count, dx, dy, rule);
   return {blur, keep};
-}
-
-// Most of these rules and places make a product or a square wrap, or D or the span negative.
-TEST(RnrWeights, EveryBuildEqualsThePlainRuleForAnyRule) {
-  Random random(1);
-  const auto any = [&random](std::initializer_list<int32_t> values) {
-    return values.begin()[random() % values.size()];
-  };
-  for (size_t count = 0; count <= kLongestRow; ++count) {
-    for (int round = 0; round < 400; ++round) {
-      const WeightRule rule = {
-          any({0, 1, 100, 998001, 1 << 30, pick(random, 0, 1 << 20)}),
-          any({0, 1, -1, -5000, 7, 65535, 65536, 8421504, 8421505, 16777215, 16777216, 1 << 27,
-               INT32_MAX, INT32_MIN, pick(random, 1, 1 << 24)}),
-          static_cast<uint8_t>(any({0, 1, 3, 64, 128, 255, pick(random, 0, 255)}))};
-      const int32_t dx = any({0, -1, -static_cast<int32_t>(count), 1 - static_cast<int32_t>(count),
-                              pick(random, -3000, 3000), pick(random, -32767, 60000)});
-      const int32_t dy = any({0, -1, 1, pick(random, -3000, 3000), pick(random, -32767, 60000)});
-      const auto expected = weights(Build::kPlain, count, dx, dy, rule);
-      for (const Build build : builds_here()) {
-        ASSERT_TRUE(weights(build, count, dx, dy, rule) == expected)
-            << build_name(build) << " count " << count << " dx " << dx << " dy " << dy << " start "
-            << rule.start << " span " << rule.span << " full " << +rule.full;
-      }
-    }
-  }
 }
 
 #if defined(__x86_64__) && defined(NDEBUG) && !defined(__SANITIZE_ADDRESS__) && \

@@ -130,5 +130,25 @@ TEST_F(Layouts, ReplayIsTheLibrarysLoadAndTheOperationsInTurn) {
   EXPECT_TRUE(text_of("out.yuv") == text_of("calm0.yuv"));
 }
 
+// Every setting of a step is another one than the default, and none is like its neighbour.
+TEST_F(Layouts, AChainIsItsOperationsWithTheSettingsInTheirPlaces) {
+  make_dumps();
+  const auto step = [&](const std::string& command) {
+    const Outcome outcome = run(command + kLayout);
+    EXPECT_EQ(outcome.status, kDone) << outcome.err;
+    return outcome.err;
+  };
+  const std::string denoise = "denoise 0.yuv 1.yuv --thresh 60 --thresh-luma 90 --mode edges ";
+  EXPECT_EQ(step(denoise + "--gain 15 --ref 1 -o denoised.yuv"), "");
+  EXPECT_NE(step(denoise + "--gain 16 -o other.yuv").find("edges need a gain below 16"),
+            std::string::npos);
+  step("rnr denoised.yuv --radius 70 --strength 90 -o blurred.yuv");
+  step("resize blurred.yuv --to 2400x1600 --mode bilinear -o expected.nv12");
+  step(
+      "replay 0.yuv 1.yuv --then denoise:60,90,edges,15,1 --then rnr:70,90 "
+      "--then resize:2400x1600,bilinear -o out.nv12");
+  EXPECT_TRUE(text_of("out.nv12") == text_of("expected.nv12"));
+}
+
 }  // namespace
 }  // namespace zavri::tools
