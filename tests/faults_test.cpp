@@ -28,8 +28,8 @@ Bytes counting(size_t size) {
   return bytes;
 }
 
-// Each operation returns its results and what it wrote. The scaler that the tests have fills a frame
-// of the same size alone.
+// Each operation returns its results and what it wrote. The scaler that the tests have fills a
+// frame of the same size alone.
 Bytes resize() {
   const Bytes source = counting(24 * 24 * 3 / 2);
   Bytes result(source.size(), kOld);
