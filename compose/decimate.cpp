@@ -15,19 +15,22 @@ void decimate_plain(uint8_t* to, const uint8_t* from, size_t bytes) {
 }
 
 template <size_t kSize>
-ZAVRI_INLINE void decimate_vector(uint8_t* to, const uint8_t* from, size_t b) {
+ZAVRI_INLINE U8 decimate_vector(const uint8_t* from) {
   using Samples = std::conditional_t<kSize == 1, U8, U16>;
-  store(to + b, load_deinterleaved<Samples>(from + 2 * b).even);
+  return (U8)load_deinterleaved<Samples>(from).even;
 }
 
 template <size_t kSize>
 void decimate_vectors(uint8_t* to, const uint8_t* from, size_t bytes) {
-  size_t b = 0;
-  for (; b + 2 * kVectorBytes <= bytes; b += 2 * kVectorBytes) {
-    decimate_vector<kSize>(to, from, b);
-    decimate_vector<kSize>(to, from, b + kVectorBytes);
+  constexpr size_t kStep = 2 * kVectorBytes;
+  uint8_t* next = to;
+  const uint8_t* next_from = from;
+  for (size_t left = bytes / kStep; left > 0; --left, next_from += 2 * kStep) {
+    store_next(&next, decimate_vector<kSize>(next_from));
+    store_next(&next, decimate_vector<kSize>(next_from + kStep));
   }
-  for_vectors(b, bytes, [=](size_t i) { decimate_vector<kSize>(to, from, i); });
+  for_vectors(bytes - bytes % kStep, bytes,
+              [=](size_t i) { store(to + i, decimate_vector<kSize>(from + 2 * i)); });
 }
 
 template <size_t kSize>
