@@ -73,7 +73,7 @@ std::vector<std::string> varied(const Report& rows, const std::vector<std::strin
   return names;
 }
 
-// One point a row, the rows of one mode as one series.
+// One point a row, the rows of one mode, or of settings that have a name, as one series.
 PagePlot trade_off(const Report& rows, const std::vector<std::string>& keys,
                    const std::string& plane, const std::string& against) {
   const bool is_ghosts = against == kGhosts;
@@ -88,7 +88,8 @@ PagePlot trade_off(const Report& rows, const std::vector<std::string>& keys,
     const double x = number_of(row, plane + kNoiseRemoved);
     const double y = number_of(row, plane + against);
     if (std::isnan(x) || std::isnan(y)) continue;
-    const std::string name = row.contains("mode") ? text_of(row["mode"]) : plane;
+    const char* const naming = row.contains("mode") ? "mode" : "settings";
+    const std::string name = row.contains(naming) ? text_of(row[naming]) : plane;
     PageSeries& one = series[name];
     one.name = name;
     one.mark = PageMark::kPoints;

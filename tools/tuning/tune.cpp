@@ -119,7 +119,9 @@ Report report_of(const Tuning& tuning) {
 }
 
 ReportPage page_of_tuning(const Tuning& tuning) {
-  ReportPage page = page_of(report_of(tuning));
+  // Pictures differ by more than settings do, and have no plots.
+  ReportPage page = page_of({{"by_gain", rows_by_gain(tuning)}});
+  page.tables = page_of(report_of(tuning)).tables;
   page.title = std::string("Tuning of ") +
                (tuning.planes == Planes::kBoth ? "the multi-frame" : "the chroma") + " denoise";
   page.summary = std::string("Advice: ") + text_of(tuning.advice, tuning.planes) + '.';
