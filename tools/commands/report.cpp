@@ -1,7 +1,6 @@
 #include <algorithm>
 #include <filesystem>
 #include <optional>
-#include <sstream>
 
 #include "tools/command_line.h"
 #include "tools/commands/pages.h"
@@ -10,6 +9,7 @@
 #include "tools/report/results_page.h"
 #include "tools/report/run_page.h"
 #include "tools/sensor/burst.h"
+#include "tools/tuning/rows.h"
 
 namespace zavri::tools {
 namespace {
@@ -65,24 +65,19 @@ void MakeReport::look_into_folder() {
 
 bool MakeReport::has_results() const {
   const std::string extension = fs::path(input_.paths.front()).extension();
-  return extension == ".json" || extension == ".jsonl";
+  return extension == ".json" || extension == ".jsonl" || extension == ".csv";
 }
 
 ReportPage MakeReport::results_page() const {
   const std::string& path = input_.paths.front();
   if (input_.paths.size() > 1) throw Error(path + ": results make a page alone");
-  const Bytes bytes = read_file(path);
-  Report results = Report::parse(bytes.begin(), bytes.end(), nullptr, false);
-  if (!results.is_object()) {
-    // JSON lines: a row each.
-    results = {{"rows", Report::array()}};
-    std::istringstream lines(std::string(bytes.begin(), bytes.end()));
-    for (std::string line; std::getline(lines, line);) {
-      results["rows"].push_back(Report::parse(line, nullptr, false));
-      if (!results["rows"].back().is_object()) {
-        throw Error(path + ": results are a report as --json prints it, or rows as JSON lines");
-      }
-    }
+  Report results;
+  if (fs::path(path).extension() == ".json") {
+    const Bytes bytes = read_file(path);
+    results = Report::parse(bytes.begin(), bytes.end(), nullptr, false);
+    if (!results.is_object()) throw Error(path + ": is no report as --json prints it");
+  } else {
+    results["rows"] = read_rows(path);
   }
   ReportPage page = page_of(results);
   page.title = "Results of " + path;

@@ -74,14 +74,16 @@ std::vector<std::string> varied(const Report& rows, const std::vector<std::strin
 }
 
 // One point a row, the rows of one mode, or of settings that have a name, as one series.
-PagePlot trade_off(const Report& rows, const std::vector<std::string>& keys,
-                   const std::string& plane, const std::string& against) {
+PagePlot trade_off(const std::string& title, const Report& rows,
+                   const std::vector<std::string>& keys, const std::string& plane,
+                   const std::string& against) {
   const bool is_ghosts = against == kGhosts;
-  PagePlot plot{plane + (is_ghosts ? ": ghosts against noise" : ": texture against noise"),
-                is_ghosts ? "Best is at the right and low." : "Best is at the right and high.",
-                {"Noise removed", "dB"},
-                {is_ghosts ? "Ghost error" : "Texture kept", unit_of(against)},
-                {}};
+  PagePlot plot{
+      title + ", " + plane + (is_ghosts ? ": ghosts against noise" : ": texture against noise"),
+      is_ghosts ? "Best is at the right and low." : "Best is at the right and high.",
+      {"Noise removed", "dB"},
+      {is_ghosts ? "Ghost error" : "Texture kept", unit_of(against)},
+      {}};
   const std::vector<std::string> tried = varied(rows, keys);
   std::map<std::string, PageSeries> series;
   for (const Report& row : rows) {
@@ -136,8 +138,8 @@ void add_plots(const std::string& title, const Report& rows, const std::vector<s
     if (!ends_with(key, kNoiseRemoved)) continue;
     has_scores = true;
     const std::string plane = key.substr(0, key.size() - std::string(kNoiseRemoved).size());
-    add(trade_off(rows, keys, plane, kTexture));
-    add(trade_off(rows, keys, plane, kGhosts));
+    add(trade_off(title, rows, keys, plane, kTexture));
+    add(trade_off(title, rows, keys, plane, kGhosts));
   }
   // Of a curve: one row a gain.
   if (!has_scores && !keys.empty() && keys.front() == "gain") add(over_gain(title, rows, keys));
