@@ -31,7 +31,8 @@ Error write_failure(const std::string& path) { return failure(path, "cannot be w
 
 // Throws, with `path` in the text, unless all bytes are written; closes the file.
 void write_all(File file, const Bytes& bytes, const std::string& path) {
-  bool written = fwrite(bytes.data(), 1, bytes.size(), file.get()) == bytes.size();
+  // An empty vector may have a null pointer, which fwrite() must not be given.
+  bool written = bytes.empty() || fwrite(bytes.data(), 1, bytes.size(), file.get()) == bytes.size();
   written = fflush(file.get()) == 0 && written;
   const int code = errno;
   if (fclose(file.release()) != 0 || !written) {
