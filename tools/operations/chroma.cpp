@@ -63,6 +63,7 @@ std::vector<int> read_weights(const std::string& path) {
     for (const Report& item : list) words.push_back(item.dump());
   }
   std::vector<int> weights;
+  weights.reserve(words.size());
   for (const std::string& word : words) weights.push_back(parse_weight(word, path));
   if (weights.empty()) throw Error(path + ": there are no weights in it");
   return weights;

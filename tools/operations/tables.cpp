@@ -69,7 +69,7 @@ Report points_of(const std::string& text) {
 
 Report read_points(const std::string& path, const TableName& name, const std::string& given) {
   const Bytes bytes = read_file(path);
-  const Report points = list_in(std::string(bytes.begin(), bytes.end()), name);
+  Report points = list_in(std::string(bytes.begin(), bytes.end()), name);
   if (!points.is_null()) return points;
   throw Error(given + ": there is no " + name.json + " in JSON and no " + name.c + "[] in C in it");
 }
@@ -117,7 +117,7 @@ std::string c_initialiser(const Report& list) {
 
 Report list_in(const std::string& text, const TableName& name) {
   if (!Report::accept(text)) return initialiser_in(text, name.c);
-  const Report json = Report::parse(text);
+  Report json = Report::parse(text);
   if (json.is_array()) return json;
   return json.is_object() && json.contains(name.json) ? json[name.json] : Report();
 }

@@ -67,6 +67,7 @@ class Map {
 std::vector<PageAgreement> agreements(const std::vector<Frame>& frames, const MergeRule& rule) {
   const Frame& reference = frames[rule.reference];
   std::vector<Frame> alike;
+  alike.reserve(frames.size());
   for (const Frame& frame : frames) alike.push_back(frame.with_order(reference.order()));
   const int width = reference.width() / 2;
   const int height = reference.height() / 2;

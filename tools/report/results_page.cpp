@@ -157,6 +157,7 @@ PageTable table_of(const std::string& title, const Report& rows,
   }
   for (const Report& row : rows) {
     std::vector<PageCell> cells;
+    cells.reserve(keys.size());
     for (const std::string& key : keys) {
       cells.push_back(row.contains(key) ? cell_of(row[key]) : PageCell(std::string()));
     }

@@ -10,7 +10,7 @@ namespace zavri::tools {
 
 // These are tables for the records of the library, as --thresh-table @FILE and --weights FILE read
 // them. In C, the fields of the record beside the tables stand in a comment.
-struct FoundTables {
+struct FoundTables {  // NOLINT(bugprone-exception-escape): JSON values move without throwing.
   Report json;
   std::string c;
 };

@@ -16,7 +16,7 @@ enum class Advice {
   kNothingMoves,  // the bursts cannot tell where ghosts begin
 };
 
-struct Tuning {
+struct Tuning {  // NOLINT(bugprone-exception-escape): JSON values move without throwing.
   Advice advice = Advice::kKeepDefault;
   Choice choice;       // with the first two
   FoundTables tables;  // of the choice
