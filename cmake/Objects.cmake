@@ -14,9 +14,10 @@ function(zavri_add_library_objects objects)
   endif()
 endfunction()
 
-# Compiles the sources that follow `name` with the options of a library.
+# Compiles the sources that follow `name` with the options of a library, each by itself.
 function(zavri_compile name)
   add_library(${name} OBJECT ${ARGN})
+  set_target_properties(${name} PROPERTIES UNITY_BUILD OFF)
   target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR})
   target_compile_options(${name} PRIVATE ${library_options})
   if(ZAVRI_GENERIC_VECTORS)

@@ -126,17 +126,17 @@ std::string taps_of_axis(const Scale& scale, Axis axis) {
   constexpr int kSlope = 8;
   constexpr int kImpulse = kFrom / 2;
   constexpr int kBackground = 64;
-  constexpr int kHeight = 191;
+  constexpr int kImpulseHeight = 191;
   const Mapping mapping = measure_mapping(scale, axis, kFrom, kTo, kSlope);
   const std::vector<int> line = scaled_line(scale, axis, kFrom, kTo, [](int i) {
-    return i == kImpulse ? kBackground + kHeight : kBackground;
+    return i == kImpulse ? kBackground + kImpulseHeight : kBackground;
   });
   double best = 1;
   const char* name = "";
   for (const auto& known : kInterpolations) {
     double largest = 0;
     for (uint32_t i = 0; i < kTo; ++i) {
-      const double weight = static_cast<double>(line[i] - kBackground) / kHeight;
+      const double weight = static_cast<double>(line[i] - kBackground) / kImpulseHeight;
       largest =
           std::max(largest, std::abs(weight - normalised(known.weight, mapping.at(i) - kImpulse)));
     }
@@ -151,7 +151,8 @@ std::string taps_of_axis(const Scale& scale, Axis axis) {
   std::string weights = text;
   for (uint32_t i = 0; i < kTo; ++i) {
     if (line[i] == kBackground) continue;
-    snprintf(text, sizeof text, " %.3f", static_cast<double>(line[i] - kBackground) / kHeight);
+    snprintf(text, sizeof text, " %.3f",
+             static_cast<double>(line[i] - kBackground) / kImpulseHeight);
     weights += text;
   }
   return weights;

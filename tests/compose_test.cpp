@@ -64,8 +64,8 @@ void naive_fill(const T_ComposeParam& param, uint32_t mode, uint8_t* scratch) {
   }
 }
 
-struct Frames {
-  Frames(Random& random, int width, int height, int padding) {
+struct ComposeFrames {
+  ComposeFrames(Random& random, int width, int height, int padding) {
     param.width = static_cast<uint16_t>(width);
     param.height = static_cast<uint16_t>(height);
     param.padding = static_cast<uint16_t>(padding);
@@ -96,7 +96,7 @@ TEST(Compose, EveryFillPlacesBandsAndFrames) {
     for (int width = 1; width <= 140; ++width) {
       for (int padding = 0; padding <= width; ++padding) {
         if (padding == 14) padding = std::max(14, width - 9);
-        Frames frames(random, width, height, padding);
+        ComposeFrames frames(random, width, height, padding);
         const size_t room = zavri_room_compose_scratch(&frames.param);
         const Bytes before = samples(random, Style::kUniform, room + 64);
         for (uint32_t mode = 0; mode < 4; ++mode) {
@@ -144,7 +144,7 @@ TEST(Compose, LaysThePictureBetweenBars) {
     for (const uint32_t mode : {0u, 1u, 2u, 3u, 4u, 0xffffffffu}) {
       SCOPED_TRACE(::testing::Message() << shape.width << 'x' << shape.height << " padding "
                                         << shape.padding << " mode " << mode);
-      Frames frames(random, shape.width, shape.height, shape.padding);
+      ComposeFrames frames(random, shape.width, shape.height, shape.padding);
       frames.param.mode = mode;
       const Bytes expected = naive_output(frames.param, frames.output);
       const size_t pixels = static_cast<size_t>(shape.width) * shape.height;
@@ -181,7 +181,7 @@ TEST(Compose, TheOutputMayOverlapTheSources) {
 
 TEST(Compose, RefusesNullPointersAndEmptyFrames) {
   Random random(6);
-  Frames frames(random, 16, 8, 0);
+  ComposeFrames frames(random, 16, 8, 0);
   const Bytes before = frames.output;
   const auto refused = [&](auto spoil) {
     T_ComposeParam param = frames.param;

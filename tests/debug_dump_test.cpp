@@ -3,25 +3,18 @@
 
 #include <algorithm>
 #include <ctime>
-#include <numeric>
 
 #include "include/zavricustpro.h"
 #include "platform/log.h"
 #include "tests/support/camera_folder.h"
 #include "tests/support/log_capture.h"
+#include "tests/support/samples.h"
 #include "tests/support/system_faults.h"
 
 namespace zavri::testing {
 namespace {
 
 using Bytes = std::vector<uint8_t>;
-
-// Returns 0, 1, 2 ..
-Bytes counting(size_t size) {
-  Bytes bytes(size);
-  std::iota(bytes.begin(), bytes.end(), uint8_t{0});
-  return bytes;
-}
 
 class DebugDump : public ::testing::Test {
  protected:

@@ -21,12 +21,7 @@ std::pair<Bytes, Bytes> weights(Build build, size_t count, int32_t dx, int32_t d
   return {blur, keep};
 }
 
-#if defined(__x86_64__) && defined(NDEBUG) && !defined(__SANITIZE_ADDRESS__) && \
-    !defined(__SANITIZE_THREAD__)
-constexpr uint32_t kStep = 1;
-#else
-constexpr uint32_t kStep = 17;  // keeps a pace for an emulator
-#endif
+constexpr uint32_t kStep = ZAVRI_EXHAUSTIVE ? 1 : 17;
 
 // For spans about powers of 2, and every weight up to a few `full`, this tries the D at which the
 // weight is reached and the last one before it.

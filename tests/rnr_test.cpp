@@ -13,7 +13,7 @@ namespace {
 
 using Bytes = std::vector<uint8_t>;
 
-struct Geometry {
+struct RnrGeometry {
   uint32_t width;
   uint32_t height;
   uint32_t stride;
@@ -21,17 +21,17 @@ struct Geometry {
   int32_t strength_percent;
 };
 
-std::ostream& operator<<(std::ostream& out, const Geometry& g) {
+std::ostream& operator<<(std::ostream& out, const RnrGeometry& g) {
   return out << g.width << 'x' << g.height << " stride " << g.stride << " radius "
              << g.radius_percent << " strength " << g.strength_percent;
 }
 
-uint32_t init_base(const Geometry& g) {
+uint32_t init_base(const RnrGeometry& g) {
   return zavri_mp_RNR_init_base(g.width, g.height, g.stride, g.radius_percent, g.strength_percent);
 }
 
 // A new strength alone would keep the old tables.
-void fresh_tables(const Geometry& g) {
+void fresh_tables(const RnrGeometry& g) {
   zavri_mp_RNR_init_base(0, 0, 0, 0, 0);
   EXPECT_EQ(init_base(g), 1u);
   for (uint32_t k = 0; k < kRnrTiles; ++k) zavri_mp_RNR_init_weight(&k);
@@ -42,7 +42,7 @@ void process(uint8_t* plane) {
 }
 
 // Computes a weight straight from the pixel's place, in 32 bits.
-uint8_t naive_weight(const Geometry& g, int x, int y) {
+uint8_t naive_weight(const RnrGeometry& g, int x, int y) {
   const auto square = [](uint32_t value) { return value * value; };
   const uint32_t cx = (g.width >> 1) & 0x7fff;
   const uint32_t cy = (g.height >> 1) & 0x7fff;
@@ -63,7 +63,7 @@ struct Tile {
 constexpr Tile kTiles[] = {{0, 0}, {1, 0}, {2, 0}, {3, 0}, {0, 1}, {3, 1},
                            {0, 2}, {3, 2}, {0, 3}, {1, 3}, {2, 3}, {3, 3}};
 
-T_RnrTile naive_tile(const Geometry& g, const Tile& tile) {
+T_RnrTile naive_tile(const RnrGeometry& g, const Tile& tile) {
   const int width = static_cast<int>(g.width / 4);
   const int height = static_cast<int>(g.height / 4);
   return {tile.column * width, tile.row * height,
@@ -72,7 +72,7 @@ T_RnrTile naive_tile(const Geometry& g, const Tile& tile) {
 }
 
 // Works tile by tile, because tiles overlap where the stride is below the width.
-Bytes naive_process(const Geometry& g, Bytes plane) {
+Bytes naive_process(const RnrGeometry& g, Bytes plane) {
   for (const Tile& place : kTiles) {
     const T_RnrTile tile = naive_tile(g, place);
     Bytes copy;
@@ -95,7 +95,7 @@ Bytes naive_process(const Geometry& g, Bytes plane) {
 // Tiny planes have empty tiles and negative weights, and 2x2 at a radius of 50 % has a span of 0.
 // The long planes make products and the centre wrap. Rows that overlap show in which order tiles
 // are written.
-constexpr Geometry kGeometries[] = {
+constexpr RnrGeometry kGeometries[] = {
     {640, 480, 640, 100, 100},   {641, 483, 650, 80, 50},     {200, 1000, 200, 130, 94},
     {200, 301, 216, 45, 95},     {333, 57, 340, 20, 250},     {130, 130, 130, 100, -1},
     {64, 64, 64, 5, 75},         {97, 31, 100, 0, 100},       {5, 5, 5, 100, 100},
@@ -106,7 +106,7 @@ constexpr Geometry kGeometries[] = {
 
 TEST(Rnr, EveryBuildEqualsTheModel) {
   Random random(1);
-  for (const Geometry& g : kGeometries) {
+  for (const RnrGeometry& g : kGeometries) {
     const Bytes plane = samples(random, Style::kUniform, g.stride * g.height + g.width + 32);
     const Bytes expected = naive_process(g, plane);
     for (const Build build : builds_here()) {
@@ -132,11 +132,11 @@ TEST(Rnr, EveryBuildEqualsTheModel) {
 }
 
 TEST(Rnr, StrengthAloneChangesNothing) {
-  const Geometry g = {160, 120, 160, 100, 100};
+  const RnrGeometry g = {160, 120, 160, 100, 100};
   fresh_tables(g);
   const auto corner = [] { return g_rnr_state.buffers[0].blur_weight[0]; };
   EXPECT_EQ(corner(), 128);
-  Geometry weaker = g;
+  RnrGeometry weaker = g;
   weaker.strength_percent = 50;
   EXPECT_EQ(init_base(weaker), 0u);
   const uint32_t first_tile = 0;
@@ -144,20 +144,20 @@ TEST(Rnr, StrengthAloneChangesNothing) {
   EXPECT_EQ(corner(), 128);
 
   const auto rebuilds = [&](auto change) {
-    Geometry changed = g;
+    RnrGeometry changed = g;
     change(changed);
     return init_base(changed) == 1 && init_base(g) == 1;
   };
-  EXPECT_TRUE(rebuilds([](Geometry& c) { ++c.width; }));
-  EXPECT_TRUE(rebuilds([](Geometry& c) { ++c.height; }));
-  EXPECT_TRUE(rebuilds([](Geometry& c) { ++c.stride; }));
-  EXPECT_TRUE(rebuilds([](Geometry& c) { ++c.radius_percent; }));
+  EXPECT_TRUE(rebuilds([](RnrGeometry& c) { ++c.width; }));
+  EXPECT_TRUE(rebuilds([](RnrGeometry& c) { ++c.height; }));
+  EXPECT_TRUE(rebuilds([](RnrGeometry& c) { ++c.stride; }));
+  EXPECT_TRUE(rebuilds([](RnrGeometry& c) { ++c.radius_percent; }));
 }
 
 TEST(Rnr, EveryRebuildFreesTheBuffersBefore) {
   fresh_tables({64, 48, 64, 100, 100});
   for (uint32_t i = 0; i < 1000; ++i) {
-    const Geometry g = {3 + i % 150, 40, 160, i, 80};
+    const RnrGeometry g = {3 + i % 150, 40, 160, i, 80};
     const WatchAllocations allocations;
     ASSERT_EQ(init_base(g), 1u);
     std::vector<size_t> sizes;

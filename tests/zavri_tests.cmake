@@ -13,11 +13,17 @@ add_executable(zavri_parts_test
   storage_test.cpp
   support/pictures.cpp)
 target_link_libraries(zavri_parts_test PRIVATE zavri_quality GTest::gtest_main)
-gtest_discover_tests(zavri_parts_test DISCOVERY_TIMEOUT 60
-  PROPERTIES ENVIRONMENT ${test_environment} LABELS threads)
+set(with_threads "Burst*:Noise*:Scene*:Score*:Shift*")
+gtest_discover_tests(zavri_parts_test DISCOVERY_TIMEOUT 60 TEST_FILTER ${with_threads}
+  TEST_LIST with_threads PROPERTIES ENVIRONMENT ${test_environment} LABELS threads)
+gtest_discover_tests(zavri_parts_test DISCOVERY_TIMEOUT 60 TEST_FILTER -${with_threads}
+  TEST_LIST without_threads PROPERTIES ENVIRONMENT ${test_environment})
 
 add_executable(zavri_plain_caller plain_caller.c)
 target_link_libraries(zavri_plain_caller PRIVATE zavricustpro)
+if(ZAVRI_SANITIZE)
+  set_target_properties(zavri_plain_caller PROPERTIES LINKER_LANGUAGE CXX)
+endif()
 
 add_executable(zavri_program_test
   zavri_errors_test.cpp

@@ -44,14 +44,14 @@ class Tuning : public Zavri {
  protected:
   // The frames as a phone's dumps of this layout.
   void make_padded_dumps() {
-    constexpr size_t kStride = 1664;
-    constexpr size_t kScanlines = 1248;
+    constexpr size_t kPaddedBytes = 1664;
+    constexpr size_t kPaddedRows = 1248;
     std::filesystem::create_directory(path("dumps"));
     for (int k = 0; k < 4; ++k) {
       const std::string name = std::to_string(k);
       const Frame frame = load_frame(path("moving/frame" + name + "_1632x1232.nv12"), {});
       Frame padded(1632, 1232, ChromaOrder::kUv,
-                   {kStride, kStride * kScanlines, kStride * kScanlines * 3 / 2});
+                   {kPaddedBytes, kPaddedBytes * kPaddedRows, kPaddedBytes * kPaddedRows * 3 / 2});
       for (int y = 0; y < 1232; ++y) std::copy_n(frame.luma_row(y), 1632, padded.luma_row(y));
       for (int y = 0; y < 616; ++y) std::copy_n(frame.chroma_row(y), 1632, padded.chroma_row(y));
       save(padded, path("dumps/" + name + ".yuv"));

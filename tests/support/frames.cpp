@@ -27,7 +27,9 @@ Frames::Frames(uint32_t width, uint32_t height, uint32_t y_stride, uint32_t uv_s
 }
 
 Frames::Frames(const Frames& other) : param(other.param) {
-  for (int k = 0; k < 4; ++k) set(k, other.bytes_[k]);
+  for (int k = 0; k < 4; ++k) {
+    if (!other.bytes_[k].empty()) set(k, other.bytes_[k]);
+  }
 }
 
 size_t Frames::size() const {

@@ -8,14 +8,14 @@
 namespace zavri::testing {
 namespace {
 
-SpinLock g_mutex;
-std::vector<GaussianCall> g_calls;
+SpinLock g_gaussian_mutex;
+std::vector<GaussianCall> g_gaussian_calls;
 
 }  // namespace
 
 std::vector<GaussianCall> take_gaussian_calls() {
-  const std::lock_guard<SpinLock> lock(g_mutex);
-  return std::exchange(g_calls, {});
+  const std::lock_guard<SpinLock> lock(g_gaussian_mutex);
+  return std::exchange(g_gaussian_calls, {});
 }
 
 }  // namespace zavri::testing
@@ -28,8 +28,8 @@ void __real_fcvFilterGaussian5x5u8(const uint8_t* src, uint32_t w, uint32_t h, u
 void __wrap_fcvFilterGaussian5x5u8(const uint8_t* src, uint32_t w, uint32_t h, uint8_t* dst,
                                    int blur_border) {
   {
-    const std::lock_guard<zavri::testing::SpinLock> lock(zavri::testing::g_mutex);
-    zavri::testing::g_calls.push_back({src, w, h, dst, blur_border});
+    const std::lock_guard<zavri::testing::SpinLock> lock(zavri::testing::g_gaussian_mutex);
+    zavri::testing::g_gaussian_calls.push_back({src, w, h, dst, blur_border});
   }
   __real_fcvFilterGaussian5x5u8(src, w, h, dst, blur_border);
 }

@@ -12,7 +12,7 @@
 namespace zavri::testing {
 namespace {
 
-SpinLock g_mutex;
+SpinLock g_log_mutex;
 std::vector<LogLine> g_lines;
 
 }  // namespace
@@ -22,7 +22,7 @@ std::ostream& operator<<(std::ostream& out, const LogLine& line) {
 }
 
 std::vector<LogLine> take_log() {
-  const std::lock_guard<SpinLock> lock(g_mutex);
+  const std::lock_guard<SpinLock> lock(g_log_mutex);
   return std::exchange(g_lines, {});
 }
 
@@ -34,7 +34,7 @@ extern "C" int __android_log_print(int priority, const char* tag, const char* fo
   va_start(arguments, format);
   const int length = vsnprintf(text, sizeof text, format, arguments);
   va_end(arguments);
-  const std::lock_guard<zavri::testing::SpinLock> lock(zavri::testing::g_mutex);
+  const std::lock_guard<zavri::testing::SpinLock> lock(zavri::testing::g_log_mutex);
   zavri::testing::g_lines.push_back({priority, tag, text});
   return length;
 }

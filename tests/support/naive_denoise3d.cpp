@@ -8,7 +8,7 @@
 namespace zavri::testing {
 namespace {
 
-struct Strip {
+struct DenoiseStrip {
   const T_3DYuvDenoiseParam& p;
   const int number;
   const ptrdiff_t width = p.width;
@@ -32,7 +32,7 @@ struct Strip {
   bool merge();
 };
 
-void Strip::position(ptrdiff_t uv, ptrdiff_t y, int t, int w, Writes writes) {
+void DenoiseStrip::position(ptrdiff_t uv, ptrdiff_t y, int t, int w, Writes writes) {
   const int old[3] = {reference[uv], reference[uv + 1], writes == kChroma ? 0 : reference[y]};
   int sum[3] = {old[0], old[1], old[2]};
   int n = 1;
@@ -61,7 +61,7 @@ void Strip::position(ptrdiff_t uv, ptrdiff_t y, int t, int w, Writes writes) {
   }
 }
 
-void Strip::whole(int w, Writes writes) {
+void DenoiseStrip::whole(int w, Writes writes) {
   for (ptrdiff_t r = 0; r < rows; ++r) {
     for (ptrdiff_t j = 0; j < width / 2; ++j) {
       position(chroma + r * p.uv_stride + 2 * j, luma + 2 * r * p.y_stride + 2 * j, p.thresh, w,
@@ -70,7 +70,7 @@ void Strip::whole(int w, Writes writes) {
   }
 }
 
-void Strip::section(ptrdiff_t uv, ptrdiff_t y, ptrdiff_t bytes, bool left, Writes writes) {
+void DenoiseStrip::section(ptrdiff_t uv, ptrdiff_t y, ptrdiff_t bytes, bool left, Writes writes) {
   for (ptrdiff_t b = 0; b < bytes; b += 2) {
     const auto ramp = static_cast<int>(p.threshY * (left ? quarter - b : b) / quarter);
     const int t = std::max(ramp, 2);
@@ -79,7 +79,7 @@ void Strip::section(ptrdiff_t uv, ptrdiff_t y, ptrdiff_t bytes, bool left, Write
 }
 
 // With 2 and 3 frames cursors run over both sections and are never set back to a row's start.
-void Strip::drifting_edges(Writes writes) {
+void DenoiseStrip::drifting_edges(Writes writes) {
   ptrdiff_t uv = chroma;
   ptrdiff_t y = luma;
   const auto advance = [&](ptrdiff_t chroma_bytes, ptrdiff_t luma_bytes) {
@@ -98,7 +98,7 @@ void Strip::drifting_edges(Writes writes) {
   }
 }
 
-void Strip::quarter_edges(Writes writes) {
+void DenoiseStrip::quarter_edges(Writes writes) {
   const ptrdiff_t right = (quarter + 1) / 2 * 2 + width - width / 2 / 2 * 2;
   for (ptrdiff_t r = 0; r < rows; ++r) {
     const ptrdiff_t uv = chroma + r * p.uv_stride;
@@ -108,14 +108,14 @@ void Strip::quarter_edges(Writes writes) {
   }
 }
 
-bool Strip::edges(Writes writes) {
+bool DenoiseStrip::edges(Writes writes) {
   if (p.threshY < 2 || number == 1 || number == 2) return false;
   p.frame_num == 4 ? quarter_edges(writes) : drifting_edges(writes);
   return true;
 }
 
 // Returns false where the strip ends at once, without the smoothing.
-bool Strip::merge() {
+bool DenoiseStrip::merge() {
   if (p.thresh_tune != 0) {
     if (p.switch_a != 0 && p.switch_b == 0) {
       whole(p.threshY, kBoth);
@@ -130,7 +130,7 @@ bool Strip::merge() {
   return true;
 }
 
-void Strip::run() {
+void DenoiseStrip::run() {
   if (p.thresh <= 1 && p.threshY < 2) return;
   if (p.frame_num < 1 || p.frame_num > 4) return;
   const auto other = [this](int k) { others.push_back(p.frame_y[k]); };
@@ -166,7 +166,9 @@ void smooth_runs(uint8_t* plane, ptrdiff_t step, ptrdiff_t pairs) {
 
 }  // namespace
 
-void naive_denoise_strip(const T_3DYuvDenoiseParam& param, int strip) { Strip{param, strip}.run(); }
+void naive_denoise_strip(const T_3DYuvDenoiseParam& param, int strip) {
+  DenoiseStrip{param, strip}.run();
+}
 
 void naive_smooth_strip(uint8_t* plane, int width, int rows, int stride) {
   smooth_runs(plane, 2, (ptrdiff_t{rows} * stride + 1) / 2);

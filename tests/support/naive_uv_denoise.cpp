@@ -9,7 +9,7 @@ namespace {
 
 using Samples = std::vector<const uint8_t*>;
 
-struct Strip {
+struct ChromaStrip {
   const T_UVDenoiseParam& p;
   uint32_t number;
   bool tolerant;
@@ -90,11 +90,11 @@ struct Strip {
 }  // namespace
 
 void naive_uv_denoise_strip(const T_UVDenoiseParam& param, uint32_t strip, int taps) {
-  Strip{param, strip, false}.run(taps);
+  ChromaStrip{param, strip, false}.run(taps);
 }
 
 void naive_tolerant_denoise_strip(const T_UVDenoiseParam& param, uint32_t strip) {
-  Strip{param, strip, true}.run(11);
+  ChromaStrip{param, strip, true}.run(11);
 }
 
 void naive_fill_grid(uint8_t* start, int width, int rows, int stride, uint32_t strip) {

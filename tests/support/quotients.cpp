@@ -5,13 +5,8 @@
 namespace zavri::testing {
 namespace {
 
-// Under an emulator or a sanitizer few weights are tried, both ends among them.
-#if defined(__x86_64__) && defined(NDEBUG) && !defined(__SANITIZE_ADDRESS__) && \
-    !defined(__SANITIZE_THREAD__)
-constexpr int kStep = 1;
-#else
-constexpr int kStep = 127;
-#endif
+// Where a few weights are tried, both ends are among them.
+constexpr int kStep = ZAVRI_EXHAUSTIVE ? 1 : 127;
 constexpr int kLanes = kVectorBytes / 2;
 
 void check_quotients_by(int weight, QuotientCheck& check) {

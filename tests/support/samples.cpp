@@ -1,6 +1,7 @@
 #include "tests/support/samples.h"
 
 #include <algorithm>
+#include <numeric>
 
 namespace zavri::testing {
 
@@ -29,6 +30,12 @@ std::vector<uint8_t> samples(Random& random, Style style, size_t size) {
         break;
     }
   }
+  return bytes;
+}
+
+std::vector<uint8_t> counting(size_t size, uint8_t first) {
+  std::vector<uint8_t> bytes(size);
+  std::iota(bytes.begin(), bytes.end(), first);
   return bytes;
 }
 

@@ -21,4 +21,7 @@ inline constexpr Style kStyles[] = {Style::kUniform, Style::kNearEqual, Style::k
 // a rare outlier.
 std::vector<uint8_t> samples(Random& random, Style style, size_t size);
 
+// Returns bytes that count up from `first`.
+std::vector<uint8_t> counting(size_t size, uint8_t first = 0);
+
 }  // namespace zavri::testing

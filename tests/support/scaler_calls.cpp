@@ -10,14 +10,14 @@
 namespace zavri::testing {
 namespace {
 
-SpinLock g_mutex;
-std::vector<ScalerCall> g_calls;
+SpinLock g_scaler_mutex;
+std::vector<ScalerCall> g_scaler_calls;
 
 void record(ScalerCall call) {
-  const std::lock_guard<SpinLock> lock(g_mutex);
+  const std::lock_guard<SpinLock> lock(g_scaler_mutex);
   call.thread = std::this_thread::get_id();
   call.first = call.src_height > 0 ? call.src[0] : 0;
-  g_calls.push_back(call);
+  g_scaler_calls.push_back(call);
   const size_t bytes = std::min(size_t{call.src_height} * call.src_stride,
                                 size_t{call.dst_height} * call.dst_stride);
   for (size_t i = 0; i < bytes; ++i) call.dst[i] = static_cast<uint8_t>(~call.src[i]);
@@ -39,8 +39,8 @@ std::ostream& operator<<(std::ostream& out, const ScalerCall& c) {
 }
 
 std::vector<ScalerCall> take_scaler_calls() {
-  const std::lock_guard<SpinLock> lock(g_mutex);
-  return std::exchange(g_calls, {});
+  const std::lock_guard<SpinLock> lock(g_scaler_mutex);
+  return std::exchange(g_scaler_calls, {});
 }
 
 }  // namespace zavri::testing
