@@ -7,8 +7,8 @@
 
 namespace zavri {
 
-// These kernels take interleaved chroma apart and put it together again. Their result is that of a
-// loop over i in [0, pairs), also where the arguments overlap.
+// These kernels take interleaved chroma apart and put it together again, for i in [0, pairs). The
+// channels are scratch of their caller: they overlap neither each other nor the chroma.
 struct ChannelKernels {
   // a[i] = uv[2i], b[i] = uv[2i + 1]
   void (*split)(const uint8_t* uv, size_t pairs, uint8_t* a, uint8_t* b);

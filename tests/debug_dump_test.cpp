@@ -6,6 +6,7 @@
 
 #include "include/zavricustpro.h"
 #include "platform/log.h"
+#include "tests/support/allocations.h"
 #include "tests/support/camera_folder.h"
 #include "tests/support/log_capture.h"
 #include "tests/support/samples.h"
@@ -34,7 +35,11 @@ TEST_F(DebugDump, NamedDumpsHoldTheirBuffers) {
   EXPECT_EQ(zavri_debug_dump_yuv_simple1(kA.data(), 3, kB.data(), 2, "two"), 0);
   EXPECT_EQ(zavri_debug_dump_yuv_simple1(kB.data(), 2, kB.data(), 1, "two"), 0);
   EXPECT_EQ(content("zvcdumpyuv/two"), (Bytes{4, 5, 4, 4, 5}));
-  EXPECT_EQ(zavri_debug_dump_yuv_simple2(kA.data(), 3, kA.data(), 2, kB.data(), 2, "planes"), 0);
+  {
+    const WatchAllocations watch;
+    EXPECT_EQ(zavri_debug_dump_yuv_simple2(kA.data(), 3, kA.data(), 2, kB.data(), 2, "planes"), 0);
+    EXPECT_EQ(watch.freed, 1u);
+  }
   EXPECT_EQ(content("zvcdumpyuv/planes"), (Bytes{1, 2, 3, 1, 4, 2, 5}));
   EXPECT_EQ(zavri_debug_dump_yuv_simple2(kA.data(), 3, kA.data(), 0, kB.data(), 0, "luma"), 0);
   EXPECT_EQ(content("zvcdumpyuv/luma"), kA);

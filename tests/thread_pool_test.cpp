@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <memory>
 #include <string>
 #include <thread>
 
@@ -113,15 +114,24 @@ TEST(ThreadPool, JoinFailureShowsTheTextOfErrno) {
 TEST(ThreadPool, OfNoThreadsRunsNothing) {
   int runs = 0;
   Task task([](void* count) { ++*static_cast<int*>(count); }, &runs);
-  take_log();
-  {
-    ThreadPool pool(0);
-    EXPECT_EQ(pool.initialize_threadpool(), 0);
-    EXPECT_EQ(pool.add_task(&task), 0);
+  auto pool = std::make_unique<ThreadPool>(0);
+  EXPECT_EQ(pool->initialize_threadpool(), 0);
+  EXPECT_EQ(take_log(), pool_lines({"Constructed ThreadPool of size 0.",
+                                    "0 threads created by the thread pool"}));
+  const WatchMutex watch(&pool->task_lock.mutex);
+  EXPECT_EQ(pool->add_task(&task), 0);
+  pool.reset();
+  const std::vector<LogLine> stopped =
+      pool_lines({kStopping, "0 threads exited from the thread pool"});
+  std::vector<LogLine> expected;
+  for (const char* event : {"lock", "unlock", "lock", "unlock"}) {
+    expected.push_back(watch_line(event));
   }
-  EXPECT_EQ(take_log(),
-            pool_lines({"Constructed ThreadPool of size 0.", "0 threads created by the thread pool",
-                        kStopping, "0 threads exited from the thread pool"}));
+  expected.insert(expected.end(), stopped.begin(), stopped.end());
+  for (const char* event : {"destroy condition", "unlock", "destroy"}) {
+    expected.push_back(watch_line(event));
+  }
+  EXPECT_EQ(take_log(), expected);
   EXPECT_EQ(runs, 0);
   task.run();
   task();
