@@ -58,6 +58,7 @@ if(NOT ZAVRI_SANITIZE AND NOT CMAKE_CROSSCOMPILING)
             ${PROJECT_SOURCE_DIR}/README.md
             /usr/share/backgrounds/seeding_by_Clements_Engelhardt.jpg)
   set_tests_properties(readme_examples PROPERTIES SKIP_RETURN_CODE 77)
+  add_test(NAME faults_list COMMAND ${PROJECT_SOURCE_DIR}/scripts/mutate --check)
   add_test(NAME install
     COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/install/install_test.sh ${PROJECT_BINARY_DIR}
             ${CMAKE_COMMAND} ${CMAKE_CPACK_COMMAND} ${CMAKE_C_COMPILER} ${CMAKE_CXX_COMPILER})
