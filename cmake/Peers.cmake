@@ -1,4 +1,4 @@
-# Tests and benchmarks compare the library with others, where those are installed. Their targets are
+# Benchmarks compare the library with others, where those are installed. Their targets are
 # zavri_libyuv and zavri_opencv.
 if(CMAKE_CROSSCOMPILING)
   return()
