@@ -17,6 +17,9 @@ TEST_F(Zavri, BadInputIsOneLineStatusTwoAndNoFile) {
   std::ofstream(path("much.txt")) << "64 20 99999999999";
   std::ofstream(path("rest.txt")) << "64 20 -";
   write_file(path("wide_2x2.nv12"), Bytes(40000 * 3));
+  std::filesystem::create_directory(path("twice"));
+  for (const char* name : {"twice/a_2x2.nv12", "twice/a_4x2.nv12"})
+    write_file(path(name), Bytes(6));
   const std::vector<std::string> before = files();
   const std::string two = " frame0_64x48.nv12 frame1_64x48.nv12 -o out.png";
   struct {
@@ -73,6 +76,7 @@ TEST_F(Zavri, BadInputIsOneLineStatusTwoAndNoFile) {
        "large.png: a mask has the frames' size, 64x48"},
       {"compare photo.png photo.png --rect 0,0,31,48", "--rect 0,0,31,48: takes four even"},
       {"compare photo.png photo.png --without-last photo.png", "leaving a frame out needs three"},
+      {"compare twice twice", "twice: two files are called a"},
       {"compare . photo.png", "IN: two folders are compared, or two frames"},
       {"noise photo.png", "too few flat or still parts"},
       {"burst photo.png -o new --profile few.txt", "few.txt: a noise profile is JSON"},

@@ -82,10 +82,11 @@ TEST_F(Layouts, EveryOperationGivesTheBytesThatACallerWithThatBufferGets) {
 // does not run into chroma. Raw frames without padding keep theirs, and the program says so.
 TEST_F(Layouts, PlanesMeetOnlyInRawFrames) {
   make_dumps();
+  const std::string layout = kLayout;
   std::string streams;
   std::string raw;
   for (const std::string name : {"0", "1", "2"}) {
-    run("view" + std::string(kLayout) + name + ".yuv -o " + name + ".y4m");
+    run("view" + layout + name + ".yuv -o " + name + ".y4m");
     run("view " + name + ".y4m -o " + name + "_2000x1500.nv12");
     streams += ' ' + name + ".y4m";
     raw += ' ' + name + "_2000x1500.nv12";
@@ -95,8 +96,13 @@ TEST_F(Layouts, PlanesMeetOnlyInRawFrames) {
   ASSERT_EQ(apart.status, kDone) << apart.err;
   EXPECT_TRUE(nlohmann::json::parse(apart.out)["remarks"].empty()) << apart.out;
   expected("whole", "0.yuv 1.yuv 2.yuv");
-  run("view" + std::string(kLayout) + "expected.yuv -o expected.y4m");
+  run("view" + layout + "expected.yuv -o expected.y4m");
   EXPECT_TRUE(text_of("out.y4m") == text_of("expected.y4m"));
+
+  // The result is laid out as the frame is that it takes the place of.
+  const Outcome mixed = run("denoise --thresh 60 --ref 1 0.y4m 1.yuv -o mixed.yuv" + layout);
+  EXPECT_EQ(mixed.status, kDone) << mixed.err;
+  EXPECT_EQ(text_of("mixed.yuv").size(), size_t{kStride} * kScanlines * 3 / 2);
 
 #ifndef ZAVRI_WITHOUT_RACES
   const auto met = nlohmann::json::parse(run(denoise + " -o out.nv12" + raw).out);

@@ -22,9 +22,16 @@ TEST_F(Zavri, ComparesAndSaysByItsStatusWhatIsBelowTheLimit) {
   expect_plain(report);
   EXPECT_EQ(report["planes"][2]["psnr"], "inf");
   const Outcome noisy =
-      run("compare clean_64x48.nv12 frame0_64x48.nv12 --min-psnr 99 --diff d.png");
+      run("compare clean_64x48.nv12 frame0_64x48.nv12 --min-psnr 99 --diff d_64x48.nv12");
   EXPECT_EQ(noisy.status, kBelowLimit);
-  EXPECT_EQ(load_picture(path("d.png")).width, 64);
+  // Mid-grey, and eight times the difference.
+  const Bytes a = read_file(path("clean_64x48.nv12"));
+  const Bytes b = read_file(path("frame0_64x48.nv12"));
+  const Bytes difference = read_file(path("d_64x48.nv12"));
+  ASSERT_EQ(difference.size(), a.size());
+  for (size_t i = 0; i < a.size(); ++i) {
+    EXPECT_EQ(difference[i], std::clamp(128 + 8 * (a[i] - b[i]), 0, 255)) << i;
+  }
 }
 
 TEST_F(Zavri, ShowsTheLibrarysLinesAndRemarksOnIdleThresholds) {
