@@ -12,8 +12,8 @@
 #include "include/zavricustpro.h"
 #include "tests/support/camera_folder.h"
 #include "tests/support/samples.h"
-#include "tests/support/scaler_calls.h"
 #include "tests/support/system_faults.h"
+#include "tests/support/vendor_calls.h"
 
 namespace zavri::testing {
 namespace {

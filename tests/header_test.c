@@ -5,83 +5,61 @@
 
 #include "zavricustpro.h"
 
-/* The records' layout is fixed where pointers have 4 bytes. */
-#define ASSERT_OFFSET_32(type, field, offset) \
-  static_assert(sizeof(void*) != 4 || offsetof(type, field) == (offset), #type "." #field)
+/* Offsets of fields; behind pointers, those of a phone's 32 bits. */
+#define AT(type, field, offset) (offsetof(type, field) == (offset))
+#define AT_32(type, field, offset) (sizeof(void*) != 4 || AT(type, field, offset))
 
-static_assert(sizeof(T_GainThreshPoint) == 2, "T_GainThreshPoint");
-static_assert(offsetof(T_GainThreshPoint, value) == 1, "T_GainThreshPoint.value");
-
-static_assert(offsetof(T_3DYuvDenoiseParam, ref_index) == 0, "ref_index");
-static_assert(offsetof(T_3DYuvDenoiseParam, frame_num) == 1, "frame_num");
-static_assert(offsetof(T_3DYuvDenoiseParam, switch_a) == 2, "switch_a");
-static_assert(offsetof(T_3DYuvDenoiseParam, switch_b) == 3, "switch_b");
-static_assert(offsetof(T_3DYuvDenoiseParam, switch_c) == 4, "switch_c");
-static_assert(offsetof(T_3DYuvDenoiseParam, thresh_tune) == 5, "thresh_tune");
-static_assert(offsetof(T_3DYuvDenoiseParam, switch_d) == 6, "switch_d");
-static_assert(offsetof(T_3DYuvDenoiseParam, gain) == 7, "gain");
-static_assert(offsetof(T_3DYuvDenoiseParam, width) == 8, "width");
-static_assert(offsetof(T_3DYuvDenoiseParam, height) == 12, "height");
-static_assert(offsetof(T_3DYuvDenoiseParam, y_stride) == 16, "y_stride");
-static_assert(offsetof(T_3DYuvDenoiseParam, uv_stride) == 20, "uv_stride");
-static_assert(offsetof(T_3DYuvDenoiseParam, uv_offset) == 28, "uv_offset");
-static_assert(offsetof(T_3DYuvDenoiseParam, thresh) == 32, "thresh");
-static_assert(offsetof(T_3DYuvDenoiseParam, thresh_table_len) == 33, "thresh_table_len");
-ASSERT_OFFSET_32(T_3DYuvDenoiseParam, thresh_table, 36);
-ASSERT_OFFSET_32(T_3DYuvDenoiseParam, threshY, 40);
-ASSERT_OFFSET_32(T_3DYuvDenoiseParam, threshY_table_len, 41);
-ASSERT_OFFSET_32(T_3DYuvDenoiseParam, threshY_table, 44);
-ASSERT_OFFSET_32(T_3DYuvDenoiseParam, frame_y, 48);
-static_assert(sizeof(void*) != 4 || sizeof(T_3DYuvDenoiseParam) == 64, "T_3DYuvDenoiseParam");
-
-static_assert(offsetof(T_ResizeParam, scale_mode) == 0, "scale_mode");
-static_assert(offsetof(T_ResizeParam, src_width) == 2, "src_width");
-static_assert(offsetof(T_ResizeParam, src_height) == 4, "src_height");
-static_assert(offsetof(T_ResizeParam, src_stride) == 6, "src_stride");
-static_assert(offsetof(T_ResizeParam, src_y) == 8, "src_y");
-ASSERT_OFFSET_32(T_ResizeParam, src_uv, 12);
-ASSERT_OFFSET_32(T_ResizeParam, dst_width, 16);
-ASSERT_OFFSET_32(T_ResizeParam, dst_height, 18);
-ASSERT_OFFSET_32(T_ResizeParam, dst_stride, 20);
-ASSERT_OFFSET_32(T_ResizeParam, dst_y, 24);
-ASSERT_OFFSET_32(T_ResizeParam, dst_uv, 28);
-static_assert(sizeof(void*) != 4 || sizeof(T_ResizeParam) == 32, "T_ResizeParam");
-
-static_assert(offsetof(T_ComposeParam, width) == 0, "width");
-static_assert(offsetof(T_ComposeParam, height) == 2, "height");
-static_assert(offsetof(T_ComposeParam, mode) == 4, "mode");
-static_assert(offsetof(T_ComposeParam, padding) == 8, "padding");
-ASSERT_OFFSET_32(T_ComposeParam, src_frame1, 12);
-ASSERT_OFFSET_32(T_ComposeParam, src_frame2, 16);
-ASSERT_OFFSET_32(T_ComposeParam, dst_frame, 20);
-static_assert(sizeof(void*) != 4 || sizeof(T_ComposeParam) == 24, "T_ComposeParam");
-
-static_assert(offsetof(T_UVDenoiseParam, width) == 4, "width");
-static_assert(offsetof(T_UVDenoiseParam, height) == 8, "height");
-static_assert(offsetof(T_UVDenoiseParam, stride) == 12, "stride");
-static_assert(offsetof(T_UVDenoiseParam, uv_plane) == 16, "uv_plane");
-ASSERT_OFFSET_32(T_UVDenoiseParam, kernel_size, 20);
-ASSERT_OFFSET_32(T_UVDenoiseParam, threshold, 21);
-ASSERT_OFFSET_32(T_UVDenoiseParam, weight_table, 22);
-
-static_assert(offsetof(T_OptRect, y) == 4, "y");
-static_assert(offsetof(T_OptRect, width) == 8, "width");
-static_assert(sizeof(T_OptRect) == 16, "T_OptRect");
-
-static_assert(offsetof(T_DumpPlaneInfo, offset) == 4, "offset");
-static_assert(offsetof(T_DumpPlaneInfo, stride) == 8, "stride");
-static_assert(offsetof(T_DumpPlaneInfo, width) == 12, "width");
-static_assert(offsetof(T_DumpPlaneInfo, height) == 16, "height");
-static_assert(sizeof(T_DumpPlaneInfo) == 24, "T_DumpPlaneInfo");
-static_assert(offsetof(T_DumpFrameInfo, planes) == 1 * 4, "planes");
-static_assert(offsetof(T_DumpFrameInfo, frame_idx) == 50 * 4, "frame_idx");
-static_assert(offsetof(T_DumpFrameInfo, named_by_size) == 51 * 4, "named_by_size");
-static_assert(sizeof(T_DumpFrameInfo) == 53 * 4, "T_DumpFrameInfo");
-
-static_assert(offsetof(T_ThreadPoolTaskInput, pIn0) == 0, "pIn0");
-static_assert(offsetof(T_ThreadPoolTaskInput, pOut) == sizeof(void*), "pOut");
-static_assert(offsetof(T_ThreadPoolTaskInput, pIn1) == 2 * sizeof(void*), "pIn1");
-static_assert(sizeof(T_ThreadPoolTaskInput) == 3 * sizeof(void*), "T_ThreadPoolTaskInput");
+static_assert(AT(T_GainThreshPoint, value, 1) && sizeof(T_GainThreshPoint) == 2,
+              "T_GainThreshPoint");
+static_assert(AT(T_3DYuvDenoiseParam, ref_index, 0) && AT(T_3DYuvDenoiseParam, frame_num, 1) &&
+                  AT(T_3DYuvDenoiseParam, switch_a, 2) && AT(T_3DYuvDenoiseParam, switch_b, 3) &&
+                  AT(T_3DYuvDenoiseParam, switch_c, 4) && AT(T_3DYuvDenoiseParam, thresh_tune, 5) &&
+                  AT(T_3DYuvDenoiseParam, switch_d, 6) && AT(T_3DYuvDenoiseParam, gain, 7) &&
+                  AT(T_3DYuvDenoiseParam, width, 8) && AT(T_3DYuvDenoiseParam, height, 12) &&
+                  AT(T_3DYuvDenoiseParam, y_stride, 16) && AT(T_3DYuvDenoiseParam, uv_stride, 20) &&
+                  AT(T_3DYuvDenoiseParam, uv_offset, 28) && AT(T_3DYuvDenoiseParam, thresh, 32) &&
+                  AT(T_3DYuvDenoiseParam, thresh_table_len, 33) &&
+                  AT_32(T_3DYuvDenoiseParam, thresh_table, 36) &&
+                  AT_32(T_3DYuvDenoiseParam, threshY, 40) &&
+                  AT_32(T_3DYuvDenoiseParam, threshY_table_len, 41) &&
+                  AT_32(T_3DYuvDenoiseParam, threshY_table, 44) &&
+                  AT_32(T_3DYuvDenoiseParam, frame_y, 48) &&
+                  (sizeof(void*) != 4 || sizeof(T_3DYuvDenoiseParam) == 64),
+              "T_3DYuvDenoiseParam");
+static_assert(AT(T_ResizeParam, scale_mode, 0) && AT(T_ResizeParam, src_width, 2) &&
+                  AT(T_ResizeParam, src_height, 4) && AT(T_ResizeParam, src_stride, 6) &&
+                  AT(T_ResizeParam, src_y, 8) && AT_32(T_ResizeParam, src_uv, 12) &&
+                  AT_32(T_ResizeParam, dst_width, 16) && AT_32(T_ResizeParam, dst_height, 18) &&
+                  AT_32(T_ResizeParam, dst_stride, 20) && AT_32(T_ResizeParam, dst_y, 24) &&
+                  AT_32(T_ResizeParam, dst_uv, 28) &&
+                  (sizeof(void*) != 4 || sizeof(T_ResizeParam) == 32),
+              "T_ResizeParam");
+static_assert(AT(T_ComposeParam, width, 0) && AT(T_ComposeParam, height, 2) &&
+                  AT(T_ComposeParam, mode, 4) && AT(T_ComposeParam, padding, 8) &&
+                  AT_32(T_ComposeParam, src_frame1, 12) && AT_32(T_ComposeParam, src_frame2, 16) &&
+                  AT_32(T_ComposeParam, dst_frame, 20) &&
+                  (sizeof(void*) != 4 || sizeof(T_ComposeParam) == 24),
+              "T_ComposeParam");
+static_assert(AT(T_UVDenoiseParam, width, 4) && AT(T_UVDenoiseParam, height, 8) &&
+                  AT(T_UVDenoiseParam, stride, 12) && AT(T_UVDenoiseParam, uv_plane, 16) &&
+                  AT_32(T_UVDenoiseParam, kernel_size, 20) &&
+                  AT_32(T_UVDenoiseParam, threshold, 21) &&
+                  AT_32(T_UVDenoiseParam, weight_table, 22),
+              "T_UVDenoiseParam");
+static_assert(AT(T_OptRect, y, 4) && AT(T_OptRect, width, 8) && sizeof(T_OptRect) == 16,
+              "T_OptRect");
+static_assert(AT(T_DumpPlaneInfo, offset, 4) && AT(T_DumpPlaneInfo, stride, 8) &&
+                  AT(T_DumpPlaneInfo, width, 12) && AT(T_DumpPlaneInfo, height, 16) &&
+                  sizeof(T_DumpPlaneInfo) == 24,
+              "T_DumpPlaneInfo");
+static_assert(AT(T_DumpFrameInfo, planes, 1 * 4) && AT(T_DumpFrameInfo, frame_idx, 50 * 4) &&
+                  AT(T_DumpFrameInfo, named_by_size, 51 * 4) && sizeof(T_DumpFrameInfo) == 53 * 4,
+              "T_DumpFrameInfo");
+static_assert(AT(T_ThreadPoolTaskInput, pIn0, 0) &&
+                  AT(T_ThreadPoolTaskInput, pOut, sizeof(void*)) &&
+                  AT(T_ThreadPoolTaskInput, pIn1, 2 * sizeof(void*)) &&
+                  sizeof(T_ThreadPoolTaskInput) == 3 * sizeof(void*),
+              "T_ThreadPoolTaskInput");
 
 enum { kWidth = 8, kHeight = 8, kLuma = kWidth * kHeight, kFrame = kLuma * 3 / 2 };
 

@@ -10,9 +10,9 @@
 #include "tests/support/allocations.h"
 #include "tests/support/log_capture.h"
 #include "tests/support/samples.h"
-#include "tests/support/scaler_calls.h"
 #include "tests/support/system_faults.h"
 #include "tests/support/use_build.h"
+#include "tests/support/vendor_calls.h"
 
 namespace zavri::testing {
 namespace {

@@ -4,9 +4,9 @@
 #include "platform/fastcv.h"
 #include "rnr/tables.h"
 #include "tests/support/allocations.h"
-#include "tests/support/gaussian_calls.h"
 #include "tests/support/samples.h"
 #include "tests/support/use_build.h"
+#include "tests/support/vendor_calls.h"
 
 namespace zavri::testing {
 namespace {

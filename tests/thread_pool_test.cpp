@@ -121,17 +121,12 @@ TEST(ThreadPool, OfNoThreadsRunsNothing) {
   const WatchMutex watch(&pool->task_lock.mutex);
   EXPECT_EQ(pool->add_task(&task), 0);
   pool.reset();
-  const std::vector<LogLine> stopped =
-      pool_lines({kStopping, "0 threads exited from the thread pool"});
-  std::vector<LogLine> expected;
-  for (const char* event : {"lock", "unlock", "lock", "unlock"}) {
-    expected.push_back(watch_line(event));
-  }
-  expected.insert(expected.end(), stopped.begin(), stopped.end());
-  for (const char* event : {"destroy condition", "unlock", "destroy"}) {
-    expected.push_back(watch_line(event));
-  }
-  EXPECT_EQ(take_log(), expected);
+  const LogLine lock = watch_line("lock");
+  const LogLine unlock = watch_line("unlock");
+  const auto stopping = pool_lines({kStopping, "0 threads exited from the thread pool"});
+  EXPECT_EQ(take_log(),
+            (std::vector<LogLine>{lock, unlock, lock, unlock, stopping[0], stopping[1],
+                                  watch_line("destroy condition"), unlock, watch_line("destroy")}));
   EXPECT_EQ(runs, 0);
   task.run();
   task();

@@ -1,4 +1,4 @@
-#include "tests/support/scaler_calls.h"
+#include "tests/support/vendor_calls.h"
 
 #include <algorithm>
 #include <mutex>
@@ -10,11 +10,12 @@
 namespace zavri::testing {
 namespace {
 
-SpinLock g_scaler_mutex;
+SpinLock g_calls_mutex;
 std::vector<ScalerCall> g_scaler_calls;
+std::vector<GaussianCall> g_gaussian_calls;
 
 void record(ScalerCall call) {
-  const std::lock_guard<SpinLock> lock(g_scaler_mutex);
+  const std::lock_guard<SpinLock> lock(g_calls_mutex);
   call.thread = std::this_thread::get_id();
   call.first = call.src_height > 0 ? call.src[0] : 0;
   g_scaler_calls.push_back(call);
@@ -39,8 +40,13 @@ std::ostream& operator<<(std::ostream& out, const ScalerCall& c) {
 }
 
 std::vector<ScalerCall> take_scaler_calls() {
-  const std::lock_guard<SpinLock> lock(g_scaler_mutex);
+  const std::lock_guard<SpinLock> lock(g_calls_mutex);
   return std::exchange(g_scaler_calls, {});
+}
+
+std::vector<GaussianCall> take_gaussian_calls() {
+  const std::lock_guard<SpinLock> lock(g_calls_mutex);
+  return std::exchange(g_gaussian_calls, {});
 }
 
 }  // namespace zavri::testing
@@ -63,4 +69,16 @@ int __wrap_fcvScaleUpPolyu8(const uint8_t* src, uint32_t w, uint32_t h, uint32_t
   return 0;
 }
 // clang-format on
+
+void __real_fcvFilterGaussian5x5u8(const uint8_t* src, uint32_t w, uint32_t h, uint8_t* dst,
+                                   int blur_border);
+
+void __wrap_fcvFilterGaussian5x5u8(const uint8_t* src, uint32_t w, uint32_t h, uint8_t* dst,
+                                   int blur_border) {
+  {
+    const std::lock_guard<zavri::testing::SpinLock> lock(zavri::testing::g_calls_mutex);
+    zavri::testing::g_gaussian_calls.push_back({src, w, h, dst, blur_border});
+  }
+  __real_fcvFilterGaussian5x5u8(src, w, h, dst, blur_border);
+}
 }

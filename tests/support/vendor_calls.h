@@ -5,7 +5,7 @@
 #include <thread>
 #include <vector>
 
-// The test executable wraps the scaler's functions at link time.
+// The test executable wraps the vendor's functions at link time. Any thread may call them.
 namespace zavri::testing {
 
 struct ScalerCall {
@@ -27,5 +27,16 @@ std::ostream& operator<<(std::ostream& out, const ScalerCall& call);
 // Returns the calls since the last time, in order. Nothing is scaled: as far as both planes reach,
 // each destination byte becomes the inverted source byte of the same index.
 std::vector<ScalerCall> take_scaler_calls();
+
+struct GaussianCall {
+  const uint8_t* from;
+  uint32_t width;
+  uint32_t height;
+  uint8_t* to;
+  int blur_border;
+};
+
+// Returns the calls since the last time, in order. They are passed on.
+std::vector<GaussianCall> take_gaussian_calls();
 
 }  // namespace zavri::testing
