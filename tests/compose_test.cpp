@@ -89,6 +89,28 @@ constexpr Fill kFills[] = {zavri_mp_compose_two_same_frame_padding_left,
                            zavri_mp_compose_two_same_frame_padding_center,
                            zavri_mp_compose_two_same_frame_padding_left_right};
 
+// The scratch frame begins within the first source, so that rows are written where others are read.
+TEST(Compose, FillsIntoTheirOwnSourcesAsTheRuleDoes) {
+  Random random(4);
+  constexpr int kWidth = 160;
+  constexpr int kHeight = 16;
+  const Bytes bytes = samples(random, Style::kUniform, 4 * kWidth * kHeight);
+  for (size_t from = 0; from < kWidth * kHeight; from += 7) {
+    for (const Fill fill : kFills) {
+      const auto filled = [&, at = from](Build build) {
+        const UseBuild use(build);
+        Bytes result = bytes;
+        ComposeFrames frames(random, kWidth, kHeight, 8);
+        frames.param.src_frame1 = frames.param.src_frame2 = result.data();
+        fill(&frames.param, result.data() + at);
+        return result;
+      };
+      const Bytes expected = filled(Build::kPlain);
+      for (const Build build : builds_here()) ASSERT_TRUE(filled(build) == expected) << from;
+    }
+  }
+}
+
 // Bytes that a fill leaves out keep their value; those behind the scratch frame are checked too.
 TEST(Compose, EveryFillPlacesBandsAndFrames) {
   Random random(2);
