@@ -3,6 +3,7 @@
 include(CMakePackageConfigHelpers)
 
 install(DIRECTORY include/ TYPE INCLUDE)
+install(FILES examples/host.c DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples)
 if(ANDROID)
   # A phone has the vendor's libfastcvopt.so, and its builds link the library itself.
   install(TARGETS zavricustpro)

@@ -155,6 +155,8 @@ TEST(DeviceProgram, BenchPrintsATableOrJsonLines) {
     expect_in(table.out, std::string("\n") + name + ' ');
   }
   EXPECT_EQ(count, 20u);
+  const std::string two = run("bench --size 1920x1088 --seconds 0.1 --threads 2 --json").out;
+  EXPECT_EQ(two.find("\"compose\", \"threads\": 2"), two.npos);  // it runs on its caller's thread
   expect_in(json, "}\n{\"size\": \"1920x1088\", \"mhz_least\": ");
 }
 

@@ -117,6 +117,12 @@ TEST_F(Images, OnePictureIsTheSameInEveryFormat) {
     write_file(path("b.y4m"), y4m(kWidth, kHeight, stream.tags, {planes}));
     expect_near(load_frame(path("b.y4m"), {}), expected, 48);
   }
+  const Picture tall = scene(66, 578);  // is high definition by its height
+  write_file(path("b.y4m"),
+             y4m(66, 578, "C420mpeg2",
+                 {bytes_of(*convert(*to_av(tall),
+                                    {AV_PIX_FMT_YUV420P, AVCOL_RANGE_MPEG, AVCOL_SPC_BT709}))}));
+  expect_near(load_frame(path("b.y4m"), {}), to_frame(tall), 48);
   write_file(path("c.y4m"),
              y4m(kWidth, kHeight, "C420jpeg", {planes_by_ffmpeg(picture, AV_PIX_FMT_YUV420P)}));
   expect_near(load_frame(path("c.y4m"), {}), expected, 48);

@@ -1,4 +1,4 @@
-// The program against a plain caller of the library, byte for byte.
+// The program against the example of a host, byte for byte.
 #include <fstream>
 #include <nlohmann/json.hpp>
 #include <random>
@@ -30,7 +30,7 @@ class Layouts : public Zavri {
 
   std::string expected(const std::string& operation, const std::string& inputs) {
     const std::string command =
-        ZAVRI_PLAIN_CALLER " " + operation + " 2000 1500 2048 1600 " + "expected.yuv " + inputs;
+        ZAVRI_EXAMPLE_HOST " " + operation + " 2000 1500 2048 1600 " + "expected.yuv " + inputs;
     EXPECT_EQ(run_command(command).status, 0) << command;
     return text_of("expected.yuv");
   }

@@ -19,32 +19,36 @@ gtest_discover_tests(zavri_parts_test DISCOVERY_TIMEOUT 60 TEST_FILTER ${with_th
 gtest_discover_tests(zavri_parts_test DISCOVERY_TIMEOUT 60 TEST_FILTER -${with_threads}
   TEST_LIST without_threads PROPERTIES ENVIRONMENT ${test_environment})
 
-add_executable(zavri_plain_caller plain_caller.c)
-target_link_libraries(zavri_plain_caller PRIVATE zavricustpro)
+add_executable(zavri_example_host ${PROJECT_SOURCE_DIR}/examples/host.c)
+target_link_libraries(zavri_example_host PRIVATE zavricustpro)
 if(ZAVRI_SANITIZE)
-  set_target_properties(zavri_plain_caller PROPERTIES LINKER_LANGUAGE CXX)
+  set_target_properties(zavri_example_host PROPERTIES LINKER_LANGUAGE CXX)
 endif()
 
 add_executable(zavri_program_test
+  choice_test.cpp
   zavri_errors_test.cpp
   zavri_layout_test.cpp
   zavri_score_test.cpp
   zavri_test.cpp
   zavri_tuning_test.cpp
   support/pictures.cpp
-  support/program.cpp)
-target_link_libraries(zavri_program_test PRIVATE zavri_sensor zavricustpro GTest::gtest_main)
+  support/program.cpp
+  ${PROJECT_SOURCE_DIR}/tools/tuning/bootstrap.cpp
+  ${PROJECT_SOURCE_DIR}/tools/tuning/choice.cpp
+  ${PROJECT_SOURCE_DIR}/tools/tuning/weighting.cpp)
+target_link_libraries(zavri_program_test PRIVATE zavri_report zavricustpro GTest::gtest_main)
 target_compile_definitions(zavri_program_test PRIVATE
   ZAVRI_COMMAND="'$<TARGET_FILE:zavri>'"
-  ZAVRI_PLAIN_CALLER="'$<TARGET_FILE:zavri_plain_caller>'")
-add_dependencies(zavri_program_test zavri zavri_plain_caller)
+  ZAVRI_EXAMPLE_HOST="'$<TARGET_FILE:zavri_example_host>'")
+add_dependencies(zavri_program_test zavri zavri_example_host)
 if(NOT ZAVRI_SANITIZE AND NOT CMAKE_CROSSCOMPILING)
-  # Compiles the plain caller with a table that the program found.
-  string(CONCAT compile_caller "'${CMAKE_C_COMPILER}' -I. '-I${PROJECT_SOURCE_DIR}/include' "
-    "'${CMAKE_CURRENT_SOURCE_DIR}/plain_caller.c' '$<TARGET_FILE:zavricustpro>' "
-    "'-Wl,-rpath,$<TARGET_FILE_DIR:zavricustpro>' -o tuned_caller")
+  # Compiles the example with a table that the program found.
+  string(CONCAT compile_host "'${CMAKE_C_COMPILER}' -I. '-I${PROJECT_SOURCE_DIR}/include' "
+    "'${PROJECT_SOURCE_DIR}/examples/host.c' '$<TARGET_FILE:zavricustpro>' "
+    "'-Wl,-rpath,$<TARGET_FILE_DIR:zavricustpro>' -o tuned_host")
   target_compile_definitions(zavri_program_test PRIVATE
-    "ZAVRI_COMPILE_CALLER=\"${compile_caller}\"")
+    "ZAVRI_COMPILE_HOST=\"${compile_host}\"")
 endif()
 if(ZAVRI_SANITIZE MATCHES "thread")
   # Strips at once race for the rows that they share, by design.

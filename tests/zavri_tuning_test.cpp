@@ -241,7 +241,7 @@ TEST_F(Tuning, FindsThresholdsThatLeaveNoGhostsAndSaysWhenNothingTells) {
   }
 }
 
-#ifdef ZAVRI_COMPILE_CALLER
+#ifdef ZAVRI_COMPILE_HOST
 TEST_F(Tuning, TablesOfPaddedDumpsCompileAndGiveTheProgramsBytes) {
   make_moving_burst();
   make_padded_dumps();
@@ -252,8 +252,8 @@ TEST_F(Tuning, TablesOfPaddedDumpsCompileAndGiveTheProgramsBytes) {
   done("denoise dumps/0.yuv dumps/1.yuv dumps/2.yuv dumps/3.yuv --gain 16 --mode chroma" + layout +
        "--thresh-table @tables.h -o out.yuv");
   const Outcome called =
-      run_command("printf '#define ZAVRI_TABLES \"tables.h\"\\n' > with.h && " ZAVRI_COMPILE_CALLER
-                  " -include with.h && ./tuned_caller chroma 1632 1232 1664 1248 called.yuv "
+      run_command("printf '#define ZAVRI_TABLES \"tables.h\"\\n' > with.h && " ZAVRI_COMPILE_HOST
+                  " -include with.h && ./tuned_host chroma 1632 1232 1664 1248 called.yuv "
                   "dumps/0.yuv dumps/1.yuv dumps/2.yuv dumps/3.yuv");
   ASSERT_EQ(called.status, 0) << called.err;
   EXPECT_TRUE(text_of("called.yuv") == text_of("out.yuv"));

@@ -34,6 +34,8 @@ try_installed() {  # prefix
 
   eval "local found=($(PKG_CONFIG_PATH=$pc pkg-config --cflags --libs zavricustpro))"
   "$cc" -std=c11 "${flags[@]}" "$here/host.c" -o "$hosts/c" "${found[@]}"
+  "$cc" -std=c11 "${flags[@]}" "$(find "$prefix" -path '*/examples/host.c')" -o "$hosts/example" \
+    "${found[@]}"
   "$cxx" -std=c++17 "${flags[@]}" "$here/host.cpp" -o "$hosts/cxx" "${found[@]}"
   LD_LIBRARY_PATH=$(dirname "$pc") expect_version "$hosts/c" "$hosts/cxx"
 }

@@ -1,10 +1,15 @@
-/* A caller of the library as a camera HAL is one: reads padded dumps, calls the library on their
- * very bytes, and writes them.
+/* A host of the library: reads the dumps of a phone, whose rows have padding, calls one operation
+ * on their very bytes as a camera HAL does on its buffers, and writes what became of them.
  *
- *   plain_caller OPERATION WIDTH HEIGHT STRIDE SCANLINES OUT IN...
+ *   cc host.c $(pkg-config --cflags --libs zavricustpro) -o host
+ *   ./host OPERATION WIDTH HEIGHT STRIDE SCANLINES OUT IN...
  *
- * Compiled with ZAVRI_TABLES, a file with thresh_table, it denoises the first dump by that at gain
- * 16.
+ * OPERATION is whole, edges, edges-luma, chroma or smooth (multi-frame denoise), 7, 11, 15, 19 or
+ * legacy (chroma denoise), rnr, poly or bilinear (resize), left, right, center or both (composition
+ * of two frames). A host that must go on has more to do about errors than abort().
+ *
+ * Compiled with -DZAVRI_TABLES='"tables.h"', a file that `zavri tune denoise` wrote, it denoises
+ * the first dump by that curve of thresholds at gain 16.
  */
 #include <stdio.h>
 #include <stdlib.h>
@@ -44,8 +49,8 @@ static void write_bytes(const char* path, const uint8_t* bytes, size_t count) {
   if (file == NULL || fwrite(bytes, 1, count, file) != count || fclose(file) != 0) abort();
 }
 
-/* A single frame is smoothed, of more the last is denoised. */
-static void denoise(const char* mode, const struct Dumps* dumps) {
+/* A single frame is smoothed, of more the last is denoised. Returns which one that is. */
+static size_t denoise(const char* mode, const struct Dumps* dumps) {
   T_3DYuvDenoiseParam param;
   memset(&param, 0, sizeof param);
   param.ref_index = (uint8_t)(dumps->count - 1);
@@ -70,7 +75,8 @@ static void denoise(const char* mode, const struct Dumps* dumps) {
   param.thresh_table_len = sizeof thresh_table / sizeof thresh_table[0];
 #endif
   memcpy(param.frame_y, dumps->frames, sizeof param.frame_y);
-  zavri_mp_3D_YUV_denoise(&param);
+  if (zavri_mp_3D_YUV_denoise(&param) != 0) abort();
+  return param.ref_index;
 }
 
 /* Differences below 16 count, the less the larger they are. */
@@ -154,23 +160,21 @@ static void compose(uint32_t mode, const struct Dumps* dumps, const char* path) 
 
 static void run(const char* operation, const struct Dumps* dumps, const char* path) {
   static const char* const places[] = {"left", "right", "center", "both"};
-  if (is(operation, "poly")) return resize(0, dumps, path);
-  if (is(operation, "bilinear")) return resize(1, dumps, path);
-  for (uint32_t mode = 0; mode < 4; ++mode) {
-    if (is(operation, places[mode])) return compose(mode, dumps, path);
-  }
-  if (is(operation, "rnr")) {
+  uint32_t place = 0;
+  while (place < 4 && !is(operation, places[place])) ++place;
+  if (place < 4) {
+    compose(place, dumps, path);
+  } else if (is(operation, "poly") || is(operation, "bilinear")) {
+    resize(is(operation, "bilinear"), dumps, path);
+  } else if (is(operation, "rnr")) {
     reduce_radially(dumps);
+    write_bytes(path, dumps->frames[0], dumps->bytes);
   } else if (is(operation, "legacy") || atoi(operation) > 0) {
     denoise_chroma(operation, dumps);
+    write_bytes(path, dumps->frames[0], dumps->bytes);
   } else {
-    denoise(operation, dumps);
+    write_bytes(path, dumps->frames[denoise(operation, dumps)], dumps->bytes);
   }
-#ifdef ZAVRI_TABLES
-  write_bytes(path, dumps->frames[0], dumps->bytes);
-#else
-  write_bytes(path, dumps->frames[is(operation, "rnr") ? 0 : dumps->count - 1], dumps->bytes);
-#endif
 }
 
 int main(int argc, char** argv) {
