@@ -32,6 +32,7 @@ TEST_F(ZavriScore, FitsAProfileThatMakesTheSameNoiseAgain) {
   report("burst photo.png --profile profile.json -o f");
   const Json fit = report("noise f/frame?_640x480.nv12 -o fit.json");
   ASSERT_EQ(fit["planes"].size(), 3u);
+  EXPECT_EQ(fit["remarks"].dump().find("nothing is flat"), std::string::npos) << fit["remarks"];
   EXPECT_NEAR(fit["planes"][0]["variances"][1], 0.4 * 128 + 6, 3);
   const NoiseLine line = load_noise_profile(path("fit.json"))[1];
   EXPECT_NEAR(line.variance(128), 0.1 * 128 + 3, 0.8);

@@ -73,6 +73,11 @@ TEST_F(Zavri, ChromaWeightsFallAsTheyAreTold) {
   EXPECT_TRUE(filtered("--threshold 4 --falloff 3") == wide);
   EXPECT_TRUE(filtered("--threshold 2") == narrow);
   EXPECT_FALSE(wide == narrow);
+  // What is even stays so: around a picture its border is repeated.
+  std::fill(frame.buffer().begin(), frame.buffer().end(), uint8_t{3});
+  save(frame, path("even.y4m"));
+  EXPECT_EQ(run("chroma even.y4m -o after.y4m").status, kDone);
+  EXPECT_TRUE(text_of("after.y4m") == text_of("even.y4m"));
 #ifndef ZAVRI_WITHOUT_RACES
   const Outcome parallel = run("chroma in_96x142.nv12 --parallel --force -o out.png");
   EXPECT_EQ(parallel.status, kDone);
