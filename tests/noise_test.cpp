@@ -12,6 +12,9 @@ namespace {
 
 // Mean and variance of the draws in linear light, where the sensor does not clip.
 TEST(Noise, FollowsTheSensorsPhotonsAndReadOut) {
+  for (int value = 0; value < 256; ++value) {
+    EXPECT_NEAR(srgb_from_linear(linear_from_srgb(value)), value, 1e-3);
+  }
   for (const double gain : {1.0, 8.0, 64.0}) {
     Sensor sensor;
     sensor.gain = gain;
