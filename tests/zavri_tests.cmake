@@ -38,6 +38,7 @@ add_executable(zavri_program_test
   ${PROJECT_SOURCE_DIR}/tools/tuning/choice.cpp
   ${PROJECT_SOURCE_DIR}/tools/tuning/weighting.cpp)
 target_link_libraries(zavri_program_test PRIVATE zavri_report zavricustpro GTest::gtest_main)
+target_compile_options(zavri_program_test PRIVATE -O0)  # the program does the work
 target_compile_definitions(zavri_program_test PRIVATE
   ZAVRI_COMMAND="'$<TARGET_FILE:zavri>'"
   ZAVRI_EXAMPLE_HOST="'$<TARGET_FILE:zavri_example_host>'")
@@ -54,14 +55,15 @@ if(ZAVRI_SANITIZE MATCHES "thread")
   # Strips at once race for the rows that they share, by design.
   target_compile_definitions(zavri_program_test PRIVATE ZAVRI_WITHOUT_RACES)
 endif()
+# Long tests run first: the last one would run alone.
 gtest_discover_tests(zavri_program_test DISCOVERY_TIMEOUT 60
-  PROPERTIES ENVIRONMENT ${test_environment})
+  PROPERTIES ENVIRONMENT ${test_environment} COST 10)
 if(NOT ZAVRI_SANITIZE AND NOT CMAKE_CROSSCOMPILING)
   add_test(NAME readme_examples
     COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/examples_test.sh $<TARGET_FILE:zavri>
             ${PROJECT_SOURCE_DIR}/README.md
             /usr/share/backgrounds/seeding_by_Clements_Engelhardt.jpg)
-  set_tests_properties(readme_examples PROPERTIES SKIP_RETURN_CODE 77)
+  set_tests_properties(readme_examples PROPERTIES SKIP_RETURN_CODE 77 COST 30)
   add_test(NAME faults_list COMMAND ${PROJECT_SOURCE_DIR}/scripts/mutate --check)
   add_test(NAME install
     COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/install/install_test.sh ${PROJECT_BINARY_DIR}
