@@ -8,8 +8,8 @@
  * legacy (chroma denoise), rnr, poly or bilinear (resize), left, right, center or both (composition
  * of two frames). A host that must go on has more to do about errors than abort().
  *
- * Compiled with -DZAVRI_TABLES='"tables.h"', a file that `zavri tune denoise` wrote, it denoises
- * the first dump by that curve of thresholds at gain 16.
+ * Compiled with -I. '-DZAVRI_TABLES="tables.h"', a file that `zavri tune denoise` wrote, it
+ * denoises the first dump by that curve of thresholds at gain 16.
  */
 #include <stdio.h>
 #include <stdlib.h>
@@ -20,7 +20,12 @@
 #include ZAVRI_TABLES
 #endif
 
-enum { kMostFrames = 4, kSlack = 1 << 20 };
+enum {
+  kMostFrames = 4,
+  /* An operation may touch bytes behind a plane: the zavri_room_ functions say how many. This is
+   * more than frames of twelve megapixels need. */
+  kSlack = 1 << 20
+};
 
 struct Dumps {
   size_t width, height, stride, chroma_at, bytes;
@@ -140,6 +145,7 @@ static uint8_t* without_padding(const struct Dumps* dumps, size_t index) {
 }
 
 static void compose(uint32_t mode, const struct Dumps* dumps, const char* path) {
+  if (dumps->count != 2) abort();
   uint8_t* const a = without_padding(dumps, 0);
   uint8_t* const b = without_padding(dumps, 1);
   T_ComposeParam param;
@@ -179,7 +185,10 @@ static void run(const char* operation, const struct Dumps* dumps, const char* pa
 
 int main(int argc, char** argv) {
   struct Dumps dumps;
-  if (argc < 8 || argc > 7 + kMostFrames) return 2;
+  if (argc < 8 || argc > 7 + kMostFrames) {
+    fprintf(stderr, "usage: %s OPERATION WIDTH HEIGHT STRIDE SCANLINES OUT IN...\n", argv[0]);
+    return 2;
+  }
   memset(&dumps, 0, sizeof dumps);
   dumps.width = strtoul(argv[2], NULL, 10);
   dumps.height = strtoul(argv[3], NULL, 10);

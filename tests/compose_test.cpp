@@ -100,9 +100,12 @@ TEST(Compose, FillsIntoTheirOwnSourcesAsTheRuleDoes) {
       const auto filled = [&, at = from](Build build) {
         const UseBuild use(build);
         Bytes result = bytes;
-        ComposeFrames frames(random, kWidth, kHeight, 8);
-        frames.param.src_frame1 = frames.param.src_frame2 = result.data();
-        fill(&frames.param, result.data() + at);
+        T_ComposeParam param{};
+        param.width = kWidth;
+        param.height = kHeight;
+        param.padding = 8;
+        param.src_frame1 = param.src_frame2 = result.data();
+        fill(&param, result.data() + at);
         return result;
       };
       const Bytes expected = filled(Build::kPlain);

@@ -84,7 +84,7 @@ TEST(Burst, RepeatsWithItsSeedAndShakesFromTheSecondFrameOn) {
   EXPECT_EQ(burst.views[0].light, 1);
   for (size_t k = 0; k < 3; ++k) EXPECT_EQ(burst.noisy[k].buffer(), again.noisy[k].buffer());
   EXPECT_NE(burst.views[1].x, burst.views[2].x);
-  EXPECT_NE(2 * burst.views[1].y, burst.views[2].y);
+  EXPECT_NE(2 * burst.views[1].y, burst.views[2].y);  // no step is that before it
   settings.seed = 2;
   EXPECT_NE(make_burst(scene, settings).views[1].x, burst.views[1].x);
 }

@@ -18,8 +18,9 @@ TEST_F(Zavri, BadInputIsOneLineStatusTwoAndNoFile) {
   std::ofstream(path("rest.txt")) << "64 20 -";
   write_file(path("wide_2x2.nv12"), Bytes(40000 * 3));
   std::filesystem::create_directory(path("twice"));
-  for (const char* name : {"twice/a_2x2.nv12", "twice/a_4x2.nv12"})
+  for (const char* name : {"twice/a_2x2.nv12", "twice/a_4x2.nv12"}) {
     write_file(path(name), Bytes(6));
+  }
   const std::vector<std::string> before = files();
   const std::string two = " frame0_64x48.nv12 frame1_64x48.nv12 -o out.png";
   struct {

@@ -13,11 +13,8 @@ add_executable(zavri_parts_test
   storage_test.cpp
   support/pictures.cpp)
 target_link_libraries(zavri_parts_test PRIVATE zavri_quality GTest::gtest_main)
-set(with_threads "Burst*:Noise*:Scene*:Score*:Shift*")
-gtest_discover_tests(zavri_parts_test DISCOVERY_TIMEOUT 60 TEST_FILTER ${with_threads}
-  TEST_LIST with_threads PROPERTIES ENVIRONMENT ${test_environment} LABELS threads)
-gtest_discover_tests(zavri_parts_test DISCOVERY_TIMEOUT 60 TEST_FILTER -${with_threads}
-  TEST_LIST without_threads PROPERTIES ENVIRONMENT ${test_environment})
+gtest_discover_tests(zavri_parts_test DISCOVERY_TIMEOUT 60
+  PROPERTIES ENVIRONMENT ${test_environment} LABELS threads)
 
 add_executable(zavri_example_host ${PROJECT_SOURCE_DIR}/examples/host.c)
 target_link_libraries(zavri_example_host PRIVATE zavricustpro)
@@ -27,6 +24,7 @@ endif()
 
 add_executable(zavri_program_test
   choice_test.cpp
+  noise_plots_test.cpp
   zavri_errors_test.cpp
   zavri_layout_test.cpp
   zavri_score_test.cpp

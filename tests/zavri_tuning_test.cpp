@@ -44,14 +44,15 @@ class Tuning : public Zavri {
  protected:
   // The frames as a phone's dumps of this layout.
   void make_padded_dumps() {
-    constexpr size_t kPaddedBytes = 1664;
-    constexpr size_t kPaddedRows = 1248;
+    constexpr size_t kPhoneStride = 1664;
+    constexpr size_t kPhoneScanlines = 1248;
     std::filesystem::create_directory(path("dumps"));
     for (int k = 0; k < 4; ++k) {
       const std::string name = std::to_string(k);
       const Frame frame = load_frame(path("moving/frame" + name + "_1632x1232.nv12"), {});
-      Frame padded(1632, 1232, ChromaOrder::kUv,
-                   {kPaddedBytes, kPaddedBytes * kPaddedRows, kPaddedBytes * kPaddedRows * 3 / 2});
+      Frame padded(
+          1632, 1232, ChromaOrder::kUv,
+          {kPhoneStride, kPhoneStride * kPhoneScanlines, kPhoneStride * kPhoneScanlines * 3 / 2});
       for (int y = 0; y < 1232; ++y) std::copy_n(frame.luma_row(y), 1632, padded.luma_row(y));
       for (int y = 0; y < 616; ++y) std::copy_n(frame.chroma_row(y), 1632, padded.chroma_row(y));
       save(padded, path("dumps/" + name + ".yuv"));
@@ -251,10 +252,10 @@ TEST_F(Tuning, TablesOfPaddedDumpsCompileAndGiveTheProgramsBytes) {
   EXPECT_EQ(text_of("tables.h"), tuned["c"]);
   done("denoise dumps/0.yuv dumps/1.yuv dumps/2.yuv dumps/3.yuv --gain 16 --mode chroma" + layout +
        "--thresh-table @tables.h -o out.yuv");
-  const Outcome called =
-      run_command("printf '#define ZAVRI_TABLES \"tables.h\"\\n' > with.h && " ZAVRI_COMPILE_HOST
-                  " -include with.h && ./tuned_host chroma 1632 1232 1664 1248 called.yuv "
-                  "dumps/0.yuv dumps/1.yuv dumps/2.yuv dumps/3.yuv");
+  const Outcome called = run_command(
+      ZAVRI_COMPILE_HOST
+      " '-DZAVRI_TABLES=\"tables.h\"' && ./tuned_host chroma 1632 1232 1664 1248 called.yuv "
+      "dumps/0.yuv dumps/1.yuv dumps/2.yuv dumps/3.yuv");
   ASSERT_EQ(called.status, 0) << called.err;
   EXPECT_TRUE(text_of("called.yuv") == text_of("out.yuv"));
   EXPECT_FALSE(text_of("called.yuv") == text_of("dumps/0.yuv"));
